@@ -1,0 +1,10 @@
+#include "server/runserver.h"
+
+namespace fb::app {
+
+int runServer(int, char **)
+{
+    return 0;
+}
+
+} // namespace fb::app
