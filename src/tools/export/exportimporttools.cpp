@@ -1,0 +1,10 @@
+#include "tools/registration.h"
+
+namespace fb::app {
+
+// Manuscript analytics, content packs, text extraction, exporters and importers.
+void registerExportImportTools(McpServer &, Workspace &, McpChangeLog &)
+{
+}
+
+} // namespace fb::app

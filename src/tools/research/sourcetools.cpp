@@ -1,0 +1,10 @@
+#include "tools/registration.h"
+
+namespace fb::app {
+
+// Research sources and citations.
+void registerSourceTools(McpServer &, Workspace &, McpChangeLog &)
+{
+}
+
+} // namespace fb::app

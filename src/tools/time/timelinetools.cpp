@@ -1,0 +1,10 @@
+#include "tools/registration.h"
+
+namespace fb::app {
+
+// Timelines, events and eras.
+void registerTimelineTools(McpServer &, Workspace &, McpChangeLog &)
+{
+}
+
+} // namespace fb::app

@@ -1,0 +1,195 @@
+#include "support/serverprocess.h"
+
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <gtest/gtest.h>
+
+using fb::test::ScratchProject;
+using fb::test::ServerProcess;
+
+namespace {
+
+const QByteArray usageText = "Usage: fablery-mcp <project path>\n"
+                             "  <project path>  an Fablery project folder or .fablery file\n";
+
+// A line that must produce no output is followed by a ping; the next answer must be the ping's.
+constexpr char syncPing[] = R"({"jsonrpc":"2.0","id":"sync","method":"ping"})";
+const QByteArray parseErrorPrefix = R"({"error":{"code":-32700,"message":")";
+constexpr char syncAnswer[] = R"({"id":"sync","jsonrpc":"2.0","result":{}})";
+
+class ProtocolTest : public ::testing::Test
+{
+protected:
+    ScratchProject m_project{QStringLiteral("projects/minimal")};
+    ServerProcess m_server{{m_project.path()}};
+};
+
+TEST(ServerCommandLine, RefusesAWrongArgumentCountWithTheUsageText)
+{
+    const QList<QStringList> argumentLists{{}, {QStringLiteral("a"), QStringLiteral("b")}};
+    for (const QStringList &arguments : argumentLists) {
+        SCOPED_TRACE(arguments.join(u' ').toStdString());
+        ServerProcess server(arguments);
+        ASSERT_TRUE(server.isStarted());
+        EXPECT_EQ(server.finish(), 2);
+        EXPECT_EQ(server.standardError(), usageText);
+        EXPECT_TRUE(server.readLine(100).isEmpty());
+    }
+}
+
+TEST(ServerCommandLine, ReportsAProjectThatCannotBeOpenedWithStatusOne)
+{
+    QTemporaryDir empty;
+    const QString missing = empty.filePath(QStringLiteral("missing"));
+    const struct
+    {
+        QString path;
+        QString message;
+    } cases[] = {
+        {missing, QStringLiteral("The project folder does not exist: %1").arg(missing)},
+        {empty.path(), QStringLiteral("The folder is not an Fablery project (no project.json): %1")
+                           .arg(empty.path())},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.path.toStdString());
+        ServerProcess server({c.path});
+        EXPECT_EQ(server.finish(), 1);
+        EXPECT_EQ(server.standardError(),
+                  QStringLiteral("Could not open the project: %1\n").arg(c.message).toUtf8());
+        EXPECT_TRUE(server.readLine(100).isEmpty());
+    }
+}
+
+TEST_F(ProtocolTest, WritesTheBannerAndExitsCleanlyAtEndOfInput)
+{
+    EXPECT_EQ(m_server.finish(), 0);
+    EXPECT_EQ(m_server.standardError(),
+              QStringLiteral("fablery-mcp serving %1\n").arg(m_project.path()).toUtf8());
+}
+
+TEST_F(ProtocolTest, AnswersEachLineExactly)
+{
+    const struct
+    {
+        const char *name;
+        QByteArray line;
+        QByteArray answer; // empty: the line must produce no output at all
+    } cases[] = {
+        {"blank line", "", ""},
+        {"white space only", "  \t \r", ""},
+        {"notification", R"({"jsonrpc":"2.0","method":"notifications/initialized"})", ""},
+        {"unknown method as notification", R"({"method":"no/such"})", ""},
+        {"ping without id", R"({"method":"ping"})", ""},
+        {"ping with string id", R"({"id":"a","method":"ping"})",
+         R"({"id":"a","jsonrpc":"2.0","result":{}})"},
+        {"ping with null id", R"({"id":null,"method":"ping"})",
+         R"({"id":null,"jsonrpc":"2.0","result":{}})"},
+        {"id zero", R"({"jsonrpc":"2.0","id":0,"method":"ping"})",
+         R"({"id":0,"jsonrpc":"2.0","result":{}})"},
+        {"fractional id", R"({"id":2.5,"method":"ping"})",
+         R"({"id":2.5,"jsonrpc":"2.0","result":{}})"},
+        {"json array", "[1,2]",
+         R"({"error":{"code":-32700,"message":"A JSON-RPC message must be a JSON object."},"id":null,"jsonrpc":"2.0"})"},
+        {"empty method with id", R"({"jsonrpc":"2.0","id":7,"method":""})",
+         R"({"error":{"code":-32700,"message":"A JSON-RPC request must carry a string \"method\"."},"id":null,"jsonrpc":"2.0"})"},
+        {"method that is not a string", R"({"id":7,"method":3})",
+         R"({"error":{"code":-32700,"message":"A JSON-RPC request must carry a string \"method\"."},"id":null,"jsonrpc":"2.0"})"},
+        // The wording of JSON syntax errors is the JSON parser's own; only the envelope is ours.
+        {"broken notification", R"({"method":})", parseErrorPrefix},
+        {"text after the object", R"({"id":1,"method":"ping"} {})", parseErrorPrefix},
+        {"unknown method", R"({"id":9,"method":"resources/list"})",
+         R"({"error":{"code":-32601,"message":"Unknown method: resources/list"},"id":9,"jsonrpc":"2.0"})"},
+        {"method names are case-sensitive", R"({"id":9,"method":"Ping"})",
+         R"({"error":{"code":-32601,"message":"Unknown method: Ping"},"id":9,"jsonrpc":"2.0"})"},
+        {"unknown tool", R"({"id":"t","method":"tools/call","params":{"name":"no_such_tool"}})",
+         R"({"error":{"code":-32602,"message":"Unknown tool: no_such_tool"},"id":"t","jsonrpc":"2.0"})"},
+        {"tool call without a name", R"({"id":4,"method":"tools/call"})",
+         R"({"error":{"code":-32602,"message":"Unknown tool: "},"id":4,"jsonrpc":"2.0"})"},
+        {"carriage return before the line end", "{\"id\":5,\"method\":\"ping\"}\r",
+         R"({"id":5,"jsonrpc":"2.0","result":{}})"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        m_server.send(c.line);
+        const QByteArray answer = c.answer.isEmpty() ? QByteArray() : m_server.readLine();
+        if (c.answer == parseErrorPrefix) {
+            EXPECT_TRUE(answer.startsWith(parseErrorPrefix)) << answer.toStdString();
+            EXPECT_TRUE(answer.endsWith(R"("},"id":null,"jsonrpc":"2.0"})")) << answer.toStdString();
+        } else {
+            EXPECT_EQ(answer, c.answer);
+        }
+        m_server.send(syncPing);
+        EXPECT_EQ(m_server.readLine(), syncAnswer);
+    }
+    EXPECT_EQ(m_server.finish(), 0);
+}
+
+TEST_F(ProtocolTest, NegotiatesTheProtocolVersion)
+{
+    const struct
+    {
+        QJsonValue requested;
+        QString answered;
+    } cases[] = {
+        {QStringLiteral("2024-11-05"), QStringLiteral("2024-11-05")},
+        {QStringLiteral("2025-03-26"), QStringLiteral("2025-03-26")},
+        {QStringLiteral("2025-06-18"), QStringLiteral("2025-06-18")},
+        {QStringLiteral("2099-01-01"), QStringLiteral("2025-06-18")},
+        {QStringLiteral("2023-01-01"), QStringLiteral("2025-06-18")},
+        {QStringLiteral("not a date"), QStringLiteral("2025-06-18")},
+        {20241105, QStringLiteral("2025-06-18")},
+        {QJsonValue(QJsonValue::Undefined), QStringLiteral("2025-06-18")},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(QJsonDocument(QJsonArray{c.requested}).toJson().toStdString());
+        QJsonObject params;
+        if (!c.requested.isUndefined())
+            params.insert(QStringLiteral("protocolVersion"), c.requested);
+        const QJsonObject answer = m_server.request(QJsonObject{
+            {QStringLiteral("id"), 1},
+            {QStringLiteral("method"), QStringLiteral("initialize")},
+            {QStringLiteral("params"), params}});
+        const QJsonObject result = answer.value(QStringLiteral("result")).toObject();
+        EXPECT_EQ(result.value(QStringLiteral("protocolVersion")).toString(), c.answered);
+        EXPECT_EQ(result.value(QStringLiteral("capabilities")).toObject(),
+                  (QJsonObject{{QStringLiteral("tools"), QJsonObject()}}));
+        EXPECT_EQ(result.value(QStringLiteral("serverInfo")).toObject(),
+                  (QJsonObject{{QStringLiteral("name"), QStringLiteral("fablery")},
+                               {QStringLiteral("version"), QStringLiteral("0.1.2")}}));
+        EXPECT_TRUE(result.value(QStringLiteral("instructions"))
+                        .toString()
+                        .startsWith(QStringLiteral("This server operates one Fablery project.")));
+    }
+}
+
+TEST_F(ProtocolTest, SurvivesHugeAndDeeplyNestedLines)
+{
+    const QByteArray padding(10 * 1024 * 1024, 'x');
+    const struct
+    {
+        const char *name;
+        QByteArray line;
+        QByteArray answerStart;
+    } cases[] = {
+        {"10 MB request", R"({"id":1,"method":"ping","params":{"pad":")" + padding + R"("}})",
+         R"({"id":1,"jsonrpc":"2.0","result":{}})"},
+        {"10 MB of garbage", padding, parseErrorPrefix},
+        {"deeply nested arrays", QByteArray(200000, '[') + QByteArray(200000, ']'),
+         parseErrorPrefix},
+        {"deeply nested params", R"({"id":2,"method":"ping","params":)" + QByteArray(100000, '[')
+                                     + QByteArray(100000, ']') + "}",
+         parseErrorPrefix},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        m_server.send(c.line);
+        EXPECT_TRUE(m_server.readLine().startsWith(c.answerStart));
+        m_server.send(syncPing);
+        EXPECT_EQ(m_server.readLine(), syncAnswer);
+    }
+    EXPECT_EQ(m_server.finish(), 0);
+}
+
+} // namespace
