@@ -1,9 +1,10 @@
 #pragma once
 
 #include "core/result.h"
+#include "storage/storagepaths.h"
 
+#include <QByteArray>
 #include <QDateTime>
-#include <QHash>
 #include <QString>
 
 #include <memory>
@@ -15,19 +16,13 @@ class UndoHistory;
 
 namespace fb::app {
 
-// Where a bundle's working copy and the backups live, computed before the bundle is opened.
-struct StoragePaths
-{
-    QString workingCopiesFolder;
-    QString backupFolder;
-    QString timeStamp;
-
-    static StoragePaths forBundle(const QString &bundlePath, const QString &workingCopiesName);
-};
+class FolderSnapshot;
+class ProjectFolderWriter;
 
 // The one open project: the model, its undo history and where it lives on disk. A bundle is
 // never edited in place; the workspace works in an unpacked working copy and packs it back into
-// the bundle on every save.
+// the bundle on every save. Before each tool call it can tell whether another program changed
+// the project on disk, and adopt that change.
 class Workspace
 {
 public:
@@ -39,8 +34,13 @@ public:
 
     Result<void> save();
     bool hasExternalChange();
+    // A reload replaces the model and clears the undo history: steps of the old model cannot be
+    // undone on the new one.
     Result<void> reload();
 
+    core::Project &project() { return *m_project; }
+    const core::Project &project() const { return *m_project; }
+    core::UndoHistory &undoHistory() { return *m_undo; }
     const QString &folder() const { return m_folder; }
     const QString &bundlePath() const { return m_bundlePath; }
     QString displayPath() const;
@@ -48,8 +48,21 @@ public:
 private:
     Workspace();
 
+    Result<void> loadFromFolder();
+    Result<void> writeBundle();
+    Result<void> refreshWorkingCopy();
+    Result<void> writeMarker(const QByteArray &bundleBytes);
+    void recordBundleStatus();
+
+    std::unique_ptr<core::Project> m_project;
+    std::unique_ptr<core::UndoHistory> m_undo;
+    std::unique_ptr<ProjectFolderWriter> m_writer;
+    std::unique_ptr<FolderSnapshot> m_snapshot;
     QString m_folder;
     QString m_bundlePath;
+    QString m_markerPath;
+    qint64 m_bundleSize = -1;
+    QDateTime m_bundleModified;
 };
 
 } // namespace fb::app

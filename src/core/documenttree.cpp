@@ -1,0 +1,53 @@
+#include "core/documenttree.h"
+
+#include "core/document.h"
+#include "core/project.h"
+
+#include <QSet>
+
+#include <algorithm>
+
+namespace fb::core {
+
+DocumentTree::DocumentTree(const Project &project)
+{
+    for (const Document *document : project.objectsOfType<Document>())
+        m_children[document->parentId()].push_back(document);
+    for (auto &entry : m_children) {
+        std::sort(entry.second.begin(),
+                  entry.second.end(),
+                  [](const Document *a, const Document *b) { return precedesSibling(*a, *b); });
+    }
+}
+
+const std::vector<const Document *> &DocumentTree::children(const QUuid &parentId) const
+{
+    static const std::vector<const Document *> none;
+    const auto it = m_children.find(parentId);
+    return it == m_children.end() ? none : it->second;
+}
+
+std::vector<DocumentTree::Entry> DocumentTree::readingOrder(const QUuid &parentId) const
+{
+    std::vector<Entry> result;
+    std::vector<Entry> stack;
+    QSet<QUuid> visited{parentId};
+    const auto pushChildren = [&](const QUuid &id, int depth) {
+        const std::vector<const Document *> &siblings = children(id);
+        for (auto it = siblings.rbegin(); it != siblings.rend(); ++it)
+            stack.push_back({*it, depth});
+    };
+    pushChildren(parentId, 0);
+    while (!stack.empty()) {
+        const Entry current = stack.back();
+        stack.pop_back();
+        if (visited.contains(current.document->id()))
+            continue;
+        visited.insert(current.document->id());
+        result.push_back(current);
+        pushChildren(current.document->id(), current.depth + 1);
+    }
+    return result;
+}
+
+} // namespace fb::core

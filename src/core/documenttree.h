@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/ids.h"
+
+#include <QUuid>
+
+#include <map>
+#include <vector>
+
+namespace fb::core {
+
+class Document;
+class Project;
+
+// The document tree of a project, grouped by parent in one pass over the objects, so that walks
+// over thousands of documents stay linear instead of scanning the project per document. It is
+// a snapshot: build it again after the tree changes.
+class DocumentTree
+{
+public:
+    struct Entry
+    {
+        const Document *document;
+        int depth;
+    };
+
+    explicit DocumentTree(const Project &project);
+
+    // The documents whose parent is parentId, in sibling order; the null id gives the top
+    // level. A document whose parent does not exist belongs to no reachable subtree.
+    const std::vector<const Document *> &children(const QUuid &parentId) const;
+
+    // The descendants of parentId in reading order (depth-first, a parent before its subtree),
+    // depth 0 being its children; the null id gives the whole manuscript. Each document comes
+    // once even if damaged data holds a parent loop.
+    std::vector<Entry> readingOrder(const QUuid &parentId = QUuid()) const;
+
+private:
+    std::map<QUuid, std::vector<const Document *>, IdTextLess> m_children;
+};
+
+} // namespace fb::core

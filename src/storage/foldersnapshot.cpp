@@ -1,0 +1,154 @@
+#include "storage/foldersnapshot.h"
+
+#include "storage/projectfolder.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFile>
+
+#include <chrono>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace fb::app {
+
+namespace {
+
+// File systems stamp modification times with a coarse clock (a few milliseconds, a whole
+// second or two on some). A file modified less than this long before its status was recorded
+// may be modified again without any visible change of status, so it is compared by content.
+constexpr qint64 racyWindowNs = 2'000'000'000;
+
+qint64 nowNs()
+{
+    return std::chrono::duration_cast<std::chrono::nanoseconds>(
+               std::chrono::system_clock::now().time_since_epoch())
+        .count();
+}
+
+qint64 toNs(const timespec &time)
+{
+    return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+}
+
+FolderSnapshot::FileStatus statusOf(const struct stat &info)
+{
+    return {qint64(info.st_size), toNs(info.st_mtim), toNs(info.st_ctim), quint64(info.st_ino)};
+}
+
+QByteArray digestOf(const QByteArray &bytes)
+{
+    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
+}
+
+QByteArray digestOfFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    return digestOf(file.readAll());
+}
+
+// Walks the folder tree with the POSIX calls directly: a status per file is all that is
+// needed, and a project holds thousands of files.
+template<typename Visit>
+void walkWatchedFiles(const QByteArray &folder, const QString &relativePrefix, Visit &&visit)
+{
+    DIR *dir = ::opendir(folder.constData());
+    if (!dir)
+        return;
+    const int dirFd = ::dirfd(dir);
+    while (const dirent *entry = ::readdir(dir)) {
+        const char *name = entry->d_name;
+        if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0)))
+            continue;
+        struct stat info;
+        if (::fstatat(dirFd, name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+            continue;
+        const QString fileName = QFile::decodeName(name);
+        if (S_ISDIR(info.st_mode)) {
+            walkWatchedFiles(folder + '/' + name, relativePrefix + fileName + u'/', visit);
+        } else if (S_ISREG(info.st_mode) && isWatchedProjectFile(fileName)) {
+            visit(relativePrefix + fileName, info);
+        }
+    }
+    ::closedir(dir);
+}
+
+} // namespace
+
+bool isWatchedProjectFile(const QString &fileName)
+{
+    return fileName.endsWith(QStringLiteral(".json"), Qt::CaseInsensitive)
+           || fileName.endsWith(QStringLiteral(".yaml"), Qt::CaseInsensitive);
+}
+
+bool FolderSnapshot::isRacy(const Entry &entry) const
+{
+    return entry.status.modifiedNs + racyWindowNs >= entry.recordedNs;
+}
+
+void FolderSnapshot::take(const QString &folder)
+{
+    m_entries.clear();
+    const qint64 now = nowNs();
+    const QDir root(folder);
+    walkWatchedFiles(QFile::encodeName(folder), QString(),
+                     [&](const QString &relative, const struct stat &info) {
+                         m_entries.insert(relative, {statusOf(info),
+                                                     digestOfFile(root.filePath(relative)), now});
+                     });
+}
+
+void FolderSnapshot::update(const QString &folder, const FolderWriteReport &report)
+{
+    const qint64 now = nowNs();
+    for (const QString &removed : report.removed)
+        m_entries.remove(removed);
+    for (auto written = report.written.cbegin(); written != report.written.cend(); ++written) {
+        if (!isWatchedProjectFile(written.key()))
+            continue;
+        struct stat info;
+        const QByteArray path = QFile::encodeName(QDir(folder).filePath(written.key()));
+        if (::stat(path.constData(), &info) != 0) {
+            m_entries.remove(written.key());
+            continue;
+        }
+        m_entries.insert(written.key(), {statusOf(info), digestOf(written.value()), now});
+    }
+}
+
+bool FolderSnapshot::hasChanged(const QString &folder)
+{
+    const qint64 now = nowNs();
+    const QDir root(folder);
+    bool changed = false;
+    qsizetype seen = 0;
+    walkWatchedFiles(QFile::encodeName(folder), QString(),
+                     [&](const QString &relative, const struct stat &info) {
+                         if (changed)
+                             return;
+                         const auto known = m_entries.find(relative);
+                         if (known == m_entries.end()) {
+                             changed = true;
+                             return;
+                         }
+                         ++seen;
+                         const FileStatus status = statusOf(info);
+                         if (status == known->status && !isRacy(*known))
+                             return;
+                         if (digestOfFile(root.filePath(relative)) != known->digest) {
+                             changed = true;
+                             return;
+                         }
+                         // Same bytes: remember the new status, so the file is not read again.
+                         known->status = status;
+                         known->recordedNs = now;
+                     });
+    return changed || seen != m_entries.size();
+}
+
+} // namespace fb::app
