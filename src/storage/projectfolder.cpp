@@ -239,7 +239,7 @@ Result<FolderWriteReport> ProjectFolderWriter::write(const QString &folder,
 
     FolderWriteReport report;
     const QDir root(folder);
-    if (!root.mkpath(u"."_s))
+    if (!QDir().mkpath(folder))
         return makeError(u"Cannot create project folder: %1"_s.arg(native(folder)));
 
     if (!root.mkpath(objectsFolderName))

@@ -152,9 +152,10 @@ void insertCollections(const Project &project, QJsonObject &json)
         return QJsonObject{{"date"_L1, dateValue(e.date)}, {"words"_L1, e.words}};
     }));
     const WritingGoal &goal = project.writingGoal();
-    json.insert("writingGoal"_L1, QJsonObject{{"dailyWordTarget"_L1, goal.dailyWordTarget},
-                                              {"manuscriptWordTarget"_L1, goal.manuscriptWordTarget},
-                                              {"deadline"_L1, dateValue(goal.deadline)}});
+    json.insert("writingGoal"_L1,
+                QJsonObject{{"dailyWordTarget"_L1, goal.dailyWordTarget},
+                            {"manuscriptWordTarget"_L1, goal.manuscriptWordTarget},
+                            {"deadline"_L1, dateValue(goal.deadline)}});
     const BeatSheet &sheet = project.beatSheet();
     json.insert("beatSheet"_L1,
                 QJsonObject{{"templateId"_L1, sheet.templateId},

@@ -24,7 +24,8 @@ constexpr qsizetype longestListedLine = 120;
 // The line that holds a match's start, as the listing shows it.
 QString lineAround(const QString &text, qsizetype position)
 {
-    const qsizetype start = text.lastIndexOf(u'\n', position - 1) + 1;
+    // A negative start position would make lastIndexOf search from the end of the text.
+    const qsizetype start = position > 0 ? text.lastIndexOf(u'\n', position - 1) + 1 : 0;
     qsizetype end = text.indexOf(u'\n', position);
     if (end < 0)
         end = text.size();

@@ -79,7 +79,8 @@ TEST(ProjectFolder, StoresEveryKeyUnderItsName)
          common + u"body kind title synopsis status pointOfView tensionLevel sceneInstant "
                   "wordCountTarget parentId sortIndex sourceIds plotThreadIds revisionBaseline "
                   "versions variants activeVariant footnotes"_s},
-        {"objects/00000000-0000-4000-8000-000000000002.json", "versions", u"label createdAt body"_s},
+        {"objects/00000000-0000-4000-8000-000000000002.json", "versions",
+         u"label createdAt body"_s},
         {"objects/00000000-0000-4000-8000-000000000002.json", "footnotes", u"id text endnote"_s},
         {"objects/00000000-0000-4000-8000-000000000003.json", nullptr,
          common + u"categoryId name aliases gallery values birthInstant deathInstant "
@@ -121,7 +122,8 @@ TEST(ProjectFolder, StoresEveryKeyUnderItsName)
          common + u"title entries"_s},
         {"objects/00000000-0000-4000-8000-000000000017.json", nullptr,
          common + u"title system notes stats actions"_s},
-        {"taxonomy/c0000000-0000-4000-8000-000000000001.json", nullptr, u"id name parentId fields"_s},
+        {"taxonomy/c0000000-0000-4000-8000-000000000001.json", nullptr,
+         u"id name parentId fields"_s},
         {"taxonomy/c0000000-0000-4000-8000-000000000001.json", "fields",
          u"key type label required description options"_s},
         {"project.json", nullptr,
