@@ -111,7 +111,29 @@ Result<void> Workspace::loadFromFolder()
     m_project = std::move(loaded).value();
     m_writer->assumeOnDisk(*m_project);
     m_snapshot->take(m_folder);
+    loadLibraries();
     return {};
+}
+
+void Workspace::loadLibraries()
+{
+    m_libraries.clear();
+    // A relative library path is taken from where the project lives: the folder of a folder
+    // project, the folder beside a bundle.
+    const QDir base = m_bundlePath.isEmpty() ? QDir(m_folder) : QFileInfo(m_bundlePath).dir();
+    for (const core::Mount &mount : m_project->mounts()) {
+        MountedLibrary library{mount.name, mount.path, mount.writable, nullptr, QString()};
+        const QString path = QDir::cleanPath(base.absoluteFilePath(mount.path));
+        if (!QFileInfo::exists(QDir(path).filePath(QStringLiteral("project.json")))) {
+            library.loadError =
+                QStringLiteral("The library folder is missing or is not a project: %1").arg(native(path));
+        } else if (Result<std::unique_ptr<core::Project>> loaded = readProjectFolder(path); loaded) {
+            library.project = std::move(loaded).value();
+        } else {
+            library.loadError = loaded.error();
+        }
+        m_libraries.push_back(std::move(library));
+    }
 }
 
 Result<std::unique_ptr<Workspace>> Workspace::openFolder(const QString &path)
@@ -267,6 +289,7 @@ Result<void> Workspace::reload()
     m_project = std::move(loaded).value();
     m_writer->assumeOnDisk(*m_project);
     m_snapshot->take(m_folder);
+    loadLibraries();
     if (!m_bundlePath.isEmpty())
         recordBundleStatus();
     return {};

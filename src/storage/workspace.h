@@ -8,6 +8,7 @@
 #include <QString>
 
 #include <memory>
+#include <vector>
 
 namespace fb::core {
 class Project;
@@ -18,6 +19,18 @@ namespace fb::app {
 
 class FolderSnapshot;
 class ProjectFolderWriter;
+
+// Another project attached to the open one and loaded read-only: its objects are found,
+// searched and shown, marked with the library's name, but never changed by this server.
+struct MountedLibrary
+{
+    QString name;
+    QString path;
+    bool writable = false;
+    // Null when the library could not be loaded; the reason is then in loadError.
+    std::shared_ptr<core::Project> project;
+    QString loadError;
+};
 
 // The one open project: the model, its undo history and where it lives on disk. A bundle is
 // never edited in place; the workspace works in an unpacked working copy and packs it back into
@@ -41,6 +54,9 @@ public:
     core::Project &project() { return *m_project; }
     const core::Project &project() const { return *m_project; }
     core::UndoHistory &undoHistory() { return *m_undo; }
+    // The project's mounted libraries in their fixed order, loaded when the project is opened
+    // or reloaded. A library that cannot be loaded stays in the list with its error.
+    const std::vector<MountedLibrary> &libraries() const { return m_libraries; }
     const QString &folder() const { return m_folder; }
     const QString &bundlePath() const { return m_bundlePath; }
     QString displayPath() const;
@@ -53,11 +69,13 @@ private:
     Result<void> refreshWorkingCopy();
     Result<void> writeMarker(const QByteArray &bundleBytes);
     void recordBundleStatus();
+    void loadLibraries();
 
     std::unique_ptr<core::Project> m_project;
     std::unique_ptr<core::UndoHistory> m_undo;
     std::unique_ptr<ProjectFolderWriter> m_writer;
     std::unique_ptr<FolderSnapshot> m_snapshot;
+    std::vector<MountedLibrary> m_libraries;
     QString m_folder;
     QString m_bundlePath;
     QString m_markerPath;

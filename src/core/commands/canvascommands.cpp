@@ -20,8 +20,8 @@ void AddCanvasConnectionCommand::set(Canvas &canvas, const QList<CanvasConnectio
     canvas.setConnections(connections);
 }
 
-QList<CanvasConnection> AddCanvasConnectionCommand::edited(
-    QList<CanvasConnection> connections) const
+QList<CanvasConnection>
+AddCanvasConnectionCommand::edited(QList<CanvasConnection> connections) const
 {
     connections.append(m_connection);
     return connections;

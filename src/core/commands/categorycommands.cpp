@@ -83,8 +83,7 @@ QString RemoveCategoryCommand::label() const
     return QStringLiteral("Remove category");
 }
 
-RenameCategoryCommand::RenameCategoryCommand(Project &project, const QUuid &id,
-                                             const QString &name)
+RenameCategoryCommand::RenameCategoryCommand(Project &project, const QUuid &id, const QString &name)
     : ValueSwapCommand(name)
     , m_project(project)
     , m_id(id)
@@ -215,8 +214,9 @@ MoveFieldCommand::MoveFieldCommand(Project &project, const QUuid &categoryId, co
 
 QList<FieldDefinition> MoveFieldCommand::edited(QList<FieldDefinition> fields) const
 {
-    const auto from = std::find_if(fields.cbegin(), fields.cend(),
-                                   [this](const FieldDefinition &field) { return field.key == m_key; });
+    const auto from =
+        std::find_if(fields.cbegin(), fields.cend(),
+                     [this](const FieldDefinition &field) { return field.key == m_key; });
     if (from == fields.cend())
         return fields;
     const qsizetype to = std::clamp<qsizetype>(m_position, 0, fields.size() - 1);

@@ -86,8 +86,8 @@ void MoveDocumentCommand::redo()
     std::vector<Document *> oldSiblings = m_project.childrenOf(oldParent);
     std::erase(oldSiblings, document);
     const bool sameParent = oldParent == m_newParent;
-    std::vector<Document *> newSiblings = sameParent ? oldSiblings
-                                                     : m_project.childrenOf(m_newParent);
+    std::vector<Document *> newSiblings =
+        sameParent ? oldSiblings : m_project.childrenOf(m_newParent);
     const auto position = std::clamp<qsizetype>(m_position, 0, qsizetype(newSiblings.size()));
     newSiblings.insert(newSiblings.begin() + position, document);
 

@@ -35,8 +35,7 @@ public:
 };
 
 // An invalid date clears the due date.
-class SetTaskDueDateCommand final
-    : public TaskSwapCommand<QDate, &Task::dueDate, &Task::setDueDate>
+class SetTaskDueDateCommand final : public TaskSwapCommand<QDate, &Task::dueDate, &Task::setDueDate>
 {
 public:
     using MemberSwapCommand::MemberSwapCommand;
@@ -52,8 +51,7 @@ public:
 };
 
 // The board column.
-class SetTaskStatusCommand final
-    : public TaskSwapCommand<QString, &Task::status, &Task::setStatus>
+class SetTaskStatusCommand final : public TaskSwapCommand<QString, &Task::status, &Task::setStatus>
 {
 public:
     using MemberSwapCommand::MemberSwapCommand;

@@ -1,0 +1,242 @@
+#include "tools/common/objectlookup.h"
+
+#include "core/contentobjects.h"
+#include "core/ids.h"
+#include "core/project.h"
+#include "storage/workspace.h"
+
+#include <QStringList>
+
+namespace fb::app {
+
+namespace {
+
+QString foldedName(const QString &name)
+{
+    return name.trimmed().toLower();
+}
+
+bool titleMatches(const core::ContentObject &object, const QString &key)
+{
+    const QString title = foldedName(core::objectTitle(object));
+    return !title.isEmpty() && title == key;
+}
+
+bool aliasMatches(const core::ContentObject &object, const QString &key)
+{
+    const auto *entity = core::objectCast<core::Entity>(&object);
+    if (!entity)
+        return false;
+    return std::any_of(entity->aliases().cbegin(), entity->aliases().cend(),
+                       [&](const QString &alias) { return foldedName(alias) == key; });
+}
+
+// The id as the agent typed it: 32 hexadecimal digits in the 8-4-4-4-12 grouping, with or
+// without braces. The nil id is no valid id.
+QUuid parseObjectId(const QString &text)
+{
+    const QString trimmed = text.trimmed();
+    const bool braced = trimmed.startsWith(u'{') && trimmed.endsWith(u'}');
+    if (trimmed.size() != (braced ? 38 : 36))
+        return {};
+    return QUuid::fromString(braced ? trimmed : u'{' + trimmed + u'}');
+}
+
+Result<LocatedObject> findById(Workspace &workspace, const ObjectQuery &query, const QString &kind)
+{
+    const QUuid id = parseObjectId(query.id);
+    if (id.isNull())
+        return makeError(QStringLiteral("'%1' is not a valid id.").arg(query.id));
+    LocatedObject found;
+    forEachGatheredObject(workspace, [&](const LocatedObject &candidate) {
+        if (!found.object && candidate.object->id() == id)
+            found = candidate;
+    });
+    if (!found.object)
+        return makeError(QStringLiteral("No %1 with id '%2' exists.").arg(kind, query.id));
+    if (query.entitiesOnly && found.object->type() != core::ObjectType::Entity)
+        return makeError(QStringLiteral("The id '%1' is not an entity.").arg(query.id));
+    if (found.object->isAiExcluded() && !query.allowExcluded)
+        return makeError(excludedFromAiMessage(core::objectTitle(*found.object), query.forChange));
+    return found;
+}
+
+QString libraryNamed(Workspace &workspace, core::ObjectType type, const QString &key)
+{
+    for (const MountedLibrary &library : workspace.libraries()) {
+        if (!library.project)
+            continue;
+        for (const core::ContentObject *object : library.project->objectsOfType(type)) {
+            if (titleMatches(*object, key))
+                return library.name;
+        }
+    }
+    return {};
+}
+
+QString planningCandidate(const core::ContentObject &object)
+{
+    if (const auto *task = core::objectCast<core::Task>(&object)) {
+        return QStringLiteral("'%1' (board %2, status %3)")
+            .arg(task->title(), task->board(), task->status());
+    }
+    return QStringLiteral("'%1'").arg(core::objectTitle(object));
+}
+
+} // namespace
+
+QString excludedFromAiMessage(const QString &title, bool forChange)
+{
+    return forChange ? QStringLiteral("'%1' is excluded from AI and cannot be changed.").arg(title)
+                     : QStringLiteral("'%1' is excluded from AI.").arg(title);
+}
+
+void forEachGatheredObject(Workspace &workspace,
+                           const std::function<void(const LocatedObject &)> &visit)
+{
+    core::Project &open = workspace.project();
+    for (core::ContentObject *object : open.objects())
+        visit({object, &open, QString()});
+    for (const MountedLibrary &library : workspace.libraries()) {
+        if (!library.project)
+            continue;
+        for (core::ContentObject *object : library.project->objects())
+            visit({object, library.project.get(), library.name});
+    }
+}
+
+QString objectDescription(const LocatedObject &located)
+{
+    QString description;
+    if (const auto *entity = core::objectCast<core::Entity>(located.object)) {
+        const core::Category *category = located.project->categories().category(entity->categoryId());
+        description = QStringLiteral("entity in %1")
+                          .arg(category ? category->name() : QStringLiteral("uncategorized"));
+    } else {
+        description = core::objectTypeNoun(located.object->type());
+    }
+    if (located.isInLibrary())
+        description += QStringLiteral(", library '%1'").arg(located.libraryName);
+    return description;
+}
+
+QString candidateLine(const LocatedObject &located)
+{
+    return QStringLiteral("- %1 (%2, id %3)")
+        .arg(core::objectTitle(*located.object), objectDescription(located),
+             core::idText(located.object->id()));
+}
+
+QString libraryRefusal(const LocatedObject &located)
+{
+    return QStringLiteral("'%1' lives in the mounted library '%2'; this server edits only the open "
+                          "project. Open the library as its own project to change it.")
+        .arg(core::objectTitle(*located.object), located.libraryName);
+}
+
+Result<LocatedObject> findObject(Workspace &workspace, const ObjectQuery &query)
+{
+    const QString kind = query.entitiesOnly ? QStringLiteral("entity") : QStringLiteral("object");
+    if (!query.id.isEmpty())
+        return findById(workspace, query, kind);
+
+    const QString key = foldedName(query.name);
+    if (key.isEmpty())
+        return makeError(QStringLiteral("A non-empty name is required."));
+
+    std::vector<LocatedObject> candidates;
+    bool sawExcluded = false;
+    forEachGatheredObject(workspace, [&](const LocatedObject &located) {
+        const core::ContentObject &object = *located.object;
+        if (query.entitiesOnly && object.type() != core::ObjectType::Entity)
+            return;
+        if (!titleMatches(object, key) && !aliasMatches(object, key))
+            return;
+        if (object.isAiExcluded() && !query.allowExcluded)
+            sawExcluded = true;
+        else
+            candidates.push_back(located);
+    });
+
+    const QString name = query.name.trimmed();
+    if (candidates.size() == 1)
+        return candidates.front();
+    if (candidates.size() > 1) {
+        QString text = QStringLiteral("The name '%1' matches %2 %3s:\n")
+                           .arg(name, QString::number(candidates.size()), kind);
+        for (const LocatedObject &candidate : candidates)
+            text += candidateLine(candidate) + u'\n';
+        return makeError(text + QStringLiteral("Pass \"id\" with the one you mean."));
+    }
+    if (sawExcluded)
+        return makeError(excludedFromAiMessage(name, query.forChange));
+    return makeError(QStringLiteral("No %1 named '%2' exists.").arg(kind, name));
+}
+
+Result<core::ContentObject *> findByTitle(Workspace &workspace, core::ObjectType type,
+                                          const QString &title, const QString &noun,
+                                          bool forChange, bool lookInLibraries)
+{
+    const QString key = foldedName(title);
+    std::vector<core::ContentObject *> kept;
+    bool sawExcluded = false;
+    for (core::ContentObject *object : workspace.project().objectsOfType(type)) {
+        if (!titleMatches(*object, key))
+            continue;
+        if (object->isAiExcluded())
+            sawExcluded = true;
+        else
+            kept.push_back(object);
+    }
+    if (kept.size() == 1)
+        return kept.front();
+    if (kept.size() > 1) {
+        return makeError(QStringLiteral("%1 different %2s are named '%3'; this tool cannot tell them "
+                                        "apart -- rename one in Fablery and retry.")
+                             .arg(QString::number(kept.size()), noun, title));
+    }
+    if (sawExcluded && forChange)
+        return makeError(excludedFromAiMessage(title, true));
+    // An excluded object read by title is reported as absent, so its existence does not leak.
+    if (lookInLibraries) {
+        if (const QString library = libraryNamed(workspace, type, key); !library.isEmpty()) {
+            return makeError(QStringLiteral("'%1' lives in the mounted library '%2'; this server "
+                                            "works on the open project's own content.")
+                                 .arg(title, library));
+        }
+    }
+    return makeError(QStringLiteral("No %1 named '%2' exists.").arg(noun, title));
+}
+
+Result<core::ContentObject *> findPlanningObject(Workspace &workspace, core::ObjectType type,
+                                                 const QString &title, const QString &noun,
+                                                 bool forChange)
+{
+    const QString key = foldedName(title);
+    std::vector<core::ContentObject *> kept;
+    bool sawExcluded = false;
+    for (core::ContentObject *object : workspace.project().objectsOfType(type)) {
+        if (!titleMatches(*object, key))
+            continue;
+        if (object->isAiExcluded())
+            sawExcluded = true;
+        else
+            kept.push_back(object);
+    }
+    if (kept.size() == 1)
+        return kept.front();
+    if (kept.size() > 1) {
+        QStringList described;
+        for (const core::ContentObject *object : kept)
+            described.append(planningCandidate(*object));
+        return makeError(QStringLiteral("The name '%1' matches %2 %3s: %4. Make the name unique in "
+                                        "the desktop app, or use a more specific name.")
+                             .arg(title, QString::number(kept.size()), noun,
+                                  described.join(QStringLiteral("; "))));
+    }
+    if (sawExcluded && forChange)
+        return makeError(excludedFromAiMessage(title, true));
+    return makeError(QStringLiteral("No %1 named '%2' exists.").arg(noun, title));
+}
+
+} // namespace fb::app

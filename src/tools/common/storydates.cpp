@@ -1,0 +1,22 @@
+#include "tools/common/storydates.h"
+
+#include "core/calendar.h"
+#include "core/storytime.h"
+
+namespace fb::app {
+
+QString dateNotUnderstoodMessage(const QString &text)
+{
+    return QStringLiteral("The date '%1' was not understood; use the project calendar (e.g. "
+                          "\"25 Harvestmoon 1250\" or \"1250\").")
+        .arg(text);
+}
+
+Result<qint64> parseStoryDate(const core::Calendar &calendar, const QString &text)
+{
+    if (const std::optional<qint64> instant = core::parseDate(calendar, text))
+        return *instant;
+    return makeError(dateNotUnderstoodMessage(text));
+}
+
+} // namespace fb::app
