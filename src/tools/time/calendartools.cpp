@@ -28,8 +28,9 @@ McpToolDescriptor getCalendarTool()
 {
     return toolDescriptor(
         QStringLiteral("get_calendar"),
-        QStringLiteral("Reads the project's calendar: its months (with lengths), weekday names, and "
-                       "era label -- the reckoning every timeline date is written in."));
+        QStringLiteral(
+            "Reads the project's calendar: its months (with lengths), weekday names, and "
+            "era label -- the reckoning every timeline date is written in."));
 }
 
 McpToolDescriptor updateCalendarTool()
@@ -37,7 +38,10 @@ McpToolDescriptor updateCalendarTool()
     const ToolSchema month =
         ToolSchema()
             .string(QStringLiteral("name"), QStringLiteral("The month's name."))
-            .integer(QStringLiteral("days"), QStringLiteral("How many days the month has (at least 1)."));
+            .required()
+            .integer(QStringLiteral("days"),
+                     QStringLiteral("How many days the month has (at least 1)."))
+            .required();
     return toolDescriptor(
         QStringLiteral("update_calendar"),
         QStringLiteral("Updates the project calendar. Sparse: only the provided keys change. Note "
@@ -57,8 +61,7 @@ McpToolDescriptor updateCalendarTool()
 McpToolResult getCalendar(const Workspace &workspace)
 {
     const core::Calendar &calendar = workspace.project().calendar();
-    QStringList lines{
-        QStringLiteral("Months (%1 days per year):").arg(calendar.daysPerYear())};
+    QStringList lines{QStringLiteral("Months (%1 days per year):").arg(calendar.daysPerYear())};
     for (qsizetype index = 0; index < calendar.months.size(); ++index) {
         const core::CalendarMonth &month = calendar.months.at(index);
         lines.append(QStringLiteral("%1. %2 -- %3 days")
@@ -67,7 +70,8 @@ McpToolResult getCalendar(const Workspace &workspace)
     const auto orNone = [](const QString &text) {
         return text.isEmpty() ? QStringLiteral("(none)") : text;
     };
-    lines.append(QStringLiteral("Weekdays: %1").arg(orNone(calendar.weekdays.join(QStringLiteral(", ")))));
+    lines.append(
+        QStringLiteral("Weekdays: %1").arg(orNone(calendar.weekdays.join(QStringLiteral(", ")))));
     lines.append(QStringLiteral("Era label: %1").arg(orNone(calendar.eraName)));
     return McpToolResult::success(lines.join(u'\n'));
 }
@@ -88,8 +92,8 @@ Result<QList<core::CalendarMonth>> readMonths(const QJsonObject &arguments)
         const std::optional<qint64> days = integerArgument(object, QStringLiteral("days"));
         // Lengths are stored as 32-bit counts; a longer month is refused rather than cut short.
         if (name.isEmpty() || !days || *days < 1 || *days > std::numeric_limits<qint32>::max()) {
-            return makeError(
-                QStringLiteral("Each month needs a non-empty \"name\" and \"days\" of at least 1."));
+            return makeError(QStringLiteral(
+                "Each month needs a non-empty \"name\" and \"days\" of at least 1."));
         }
         months.append({name, qint32(*days)});
     }
@@ -147,7 +151,8 @@ McpToolResult updateCalendar(Workspace &workspace, McpChangeLog &log, const QJso
     if (next.eraName != current.eraName)
         changed.append(QStringLiteral("era label"));
     if (changed.isEmpty())
-        return McpToolResult::success(QStringLiteral("The calendar already matches; nothing changed."));
+        return McpToolResult::success(
+            QStringLiteral("The calendar already matches; nothing changed."));
 
     const QString text = QStringLiteral("Updated the calendar (%1). Stored instants are unchanged "
                                         "and now read in the new calendar.")
