@@ -98,8 +98,8 @@ void MoveDocumentCommand::redo()
     if (!sameParent)
         std::for_each(oldSiblings.begin(), oldSiblings.end(), record);
 
-    // Setters stamp the object as changed, so documents whose place holds are left untouched and
-    // the next save does not rewrite them.
+    // Every setter stamps its document as changed; documents that keep their place are left
+    // alone, so the next save does not rewrite their files.
     const auto renumber = [](const std::vector<Document *> &siblings) {
         for (qint32 index = 0; index < qint32(siblings.size()); ++index) {
             if (siblings[index]->sortIndex() != index)

@@ -58,8 +58,8 @@ QUuid ensureCategory(core::Project &project, core::CompositeCommand &change, con
 {
     if (const QUuid existing = findCategory(project.categories(), name); !existing.isNull())
         return existing;
-    const QUuid parent = !parentId.isNull() && project.categories().contains(parentId) ? parentId
-                                                                                       : QUuid();
+    const QUuid parent
+        = !parentId.isNull() && project.categories().contains(parentId) ? parentId : QUuid();
     auto category = std::make_unique<core::Category>(name.trimmed(), parent);
     const QUuid id = category->id();
     change.append(std::make_unique<core::AddCategoryCommand>(project, std::move(category)));
@@ -67,16 +67,13 @@ QUuid ensureCategory(core::Project &project, core::CompositeCommand &change, con
     return id;
 }
 
-QList<core::CategoryTree::SchemaField> plannedSchema(const core::CategoryTree &tree,
-                                                     const QUuid &categoryId)
+QList<core::CategoryTree::SchemaField> newCategorySchema()
 {
-    if (categoryId.isNull() || tree.contains(categoryId))
-        return tree.effectiveSchema(categoryId);
-    return {{standardSummaryField(), categoryId, false}};
+    return {{standardSummaryField(), QUuid(), false}};
 }
 
-std::optional<core::CategoryTree::SchemaField>
-findSchemaField(const QList<core::CategoryTree::SchemaField> &schema, const QString &name)
+std::optional<core::CategoryTree::SchemaField> findSchemaField(
+    const QList<core::CategoryTree::SchemaField> &schema, const QString &name)
 {
     const QString key = folded(name);
     for (const core::CategoryTree::SchemaField &field : schema) {
@@ -94,7 +91,8 @@ QString schemaFieldLine(const core::CategoryTree::SchemaField &field)
     if (definition.required)
         line += QStringLiteral(", required");
     if (definition.type == core::FieldType::Choice && !definition.options.isEmpty())
-        line += QStringLiteral(" -- options: %1").arg(definition.options.join(QStringLiteral(", ")));
+        line
+            += QStringLiteral(" -- options: %1").arg(definition.options.join(QStringLiteral(", ")));
     if (field.inherited)
         line += QStringLiteral(" (inherited)");
     if (!definition.description.isEmpty())

@@ -34,14 +34,13 @@ core::FieldDefinition standardSummaryField();
 // The key of a field defined by its label: the label trimmed and lower-cased, nothing else.
 QString fieldKeyForLabel(const QString &label);
 
-// The effective schema of a category that may still be waiting, inside a change being built,
-// to be added by ensureCategory: such a category holds only its Summary field.
-QList<core::CategoryTree::SchemaField> plannedSchema(const core::CategoryTree &tree,
-                                                     const QUuid &categoryId);
+// The effective schema of a top-level category that ensureCategory is about to create: its
+// Summary field alone. Tools check field names against it before the category exists.
+QList<core::CategoryTree::SchemaField> newCategorySchema();
 // The field of a schema whose key or label matches name (trimmed, lower-cased), first in
 // schema order.
-std::optional<core::CategoryTree::SchemaField>
-findSchemaField(const QList<core::CategoryTree::SchemaField> &schema, const QString &name);
+std::optional<core::CategoryTree::SchemaField> findSchemaField(
+    const QList<core::CategoryTree::SchemaField> &schema, const QString &name);
 
 // One line of a schema listing: "  - Label [type] (key)", then ", required", the options of a
 // choice field, " (inherited)" and the description.

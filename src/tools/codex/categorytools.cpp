@@ -33,7 +33,9 @@ McpToolDescriptor getCategoryTool()
         u"Shows a category's parent, subcategories, entity count, and its full field schema (each "
         "field's type, options, whether required, and own vs inherited) -- the read side of "
         "add_field / remove_field / move_field."_s,
-        ToolSchema().string(u"category"_s, u"The category's name (case-insensitive)."_s).required());
+        ToolSchema()
+            .string(u"category"_s, u"The category's name (case-insensitive)."_s)
+            .required());
 }
 
 McpToolDescriptor listCategoryTool()
@@ -41,7 +43,9 @@ McpToolDescriptor listCategoryTool()
     return toolDescriptor(
         u"list_category"_s,
         u"Lists the entities of a named codex category with one-line summaries."_s,
-        ToolSchema().string(u"category"_s, u"The category's name (case-insensitive)."_s).required());
+        ToolSchema()
+            .string(u"category"_s, u"The category's name (case-insensitive)."_s)
+            .required());
 }
 
 McpToolDescriptor createCategoryTool()
@@ -61,8 +65,7 @@ McpToolDescriptor createCategoryTool()
 McpToolDescriptor updateCategoryTool()
 {
     return toolDescriptor(
-        u"update_category"_s,
-        u"Renames, moves, or deletes a codex category."_s,
+        u"update_category"_s, u"Renames, moves, or deletes a codex category."_s,
         ToolSchema()
             .string(u"category"_s, u"The category to change."_s)
             .required()
@@ -88,20 +91,20 @@ McpToolDescriptor addFieldTool()
             .required()
             .string(u"type"_s, u"text | number | boolean | date | reference | choice | url."_s)
             .array(u"options"_s, u"The choices of a choice field."_s, u"string"_s)
-            .boolean(u"required"_s, u"Whether every entity should fill the field (default false)."_s)
+            .boolean(u"required"_s,
+                     u"Whether every entity should fill the field (default false)."_s)
             .string(u"description"_s, u"A short explanation shown with the field."_s));
 }
 
 McpToolDescriptor removeFieldTool()
 {
-    return toolDescriptor(
-        u"remove_field"_s,
-        u"Removes a field from a codex category's own schema."_s,
-        ToolSchema()
-            .string(u"category"_s, u"The category that defines the field."_s)
-            .required()
-            .string(u"field"_s, u"The field's label or key."_s)
-            .required());
+    return toolDescriptor(u"remove_field"_s,
+                          u"Removes a field from a codex category's own schema."_s,
+                          ToolSchema()
+                              .string(u"category"_s, u"The category that defines the field."_s)
+                              .required()
+                              .string(u"field"_s, u"The field's label or key."_s)
+                              .required());
 }
 
 McpToolDescriptor moveFieldTool()
@@ -122,6 +125,18 @@ McpToolDescriptor moveFieldTool()
 QString noCategoryMessage(const QString &name)
 {
     return u"No category named '%1'."_s.arg(name);
+}
+
+// The fields a category defines itself; a field of the same name may also be inherited, and
+// the own one is the one the field tools act on.
+QList<SchemaField> ownFields(const QList<SchemaField> &schema)
+{
+    QList<SchemaField> own;
+    for (const SchemaField &field : schema) {
+        if (!field.inherited)
+            own.append(field);
+    }
+    return own;
 }
 
 // Entities the agent may see; AI-excluded ones are left out of counts and listings alike.
@@ -158,8 +173,8 @@ McpToolResult getCategory(Workspace &workspace, const QJsonObject &arguments)
         u"- Parent: %1"_s.arg(parent ? parent->name() : u"(none, top level)"_s),
         u"- Subcategories: %1"_s.arg(subcategories.isEmpty() ? u"(none)"_s
                                                              : subcategories.join(u", "_s)),
-        u"- Entities: %1"_s.arg(visibleEntitiesIn(project, category->id()).size()),
-        u"- Fields (%1):"_s.arg(schema.size()),
+        u"- Entities: %1"_s.arg(QString::number(visibleEntitiesIn(project, category->id()).size())),
+        u"- Fields (%1):"_s.arg(QString::number(schema.size())),
     };
     for (const SchemaField &field : schema)
         lines.append(schemaFieldLine(field));
@@ -192,8 +207,8 @@ McpToolResult listCategory(Workspace &workspace, const QJsonObject &arguments)
         const int byName = QString::compare(a->name(), b->name(), Qt::CaseInsensitive);
         return byName != 0 ? byName < 0 : core::compareIds(a->id(), b->id()) < 0;
     });
-    QStringList lines{u"Entities in '%1' (%2):"_s.arg(category.name(),
-                                                      QString::number(entities.size()))};
+    QStringList lines{
+        u"Entities in '%1' (%2):"_s.arg(category.name(), QString::number(entities.size()))};
     for (const core::Entity *entity : entities) {
         // A summary written over several lines is folded onto one.
         const QString summary = entity->value(u"summary"_s).simplified();
@@ -209,8 +224,8 @@ McpToolResult createCategory(Workspace &workspace, McpChangeLog &log, const QJso
     if (name.isEmpty())
         return McpToolResult::failure(u"create_category needs a non-empty \"name\"."_s);
     core::Project &project = workspace.project();
-    if (const core::Category *existing =
-            project.categories().category(findCategory(project.categories(), name))) {
+    if (const core::Category *existing
+        = project.categories().category(findCategory(project.categories(), name))) {
         return McpToolResult::success(u"Category '%1' already exists."_s.arg(existing->name()));
     }
 
@@ -218,10 +233,18 @@ McpToolResult createCategory(Workspace &workspace, McpChangeLog &log, const QJso
     const QString parent = trimmedArgument(arguments, u"parent"_s);
     if (parent.isEmpty()) {
         ensureCategory(project, *change, name, QUuid());
-        return applyChange(workspace, log, std::move(change), u"Created category '%1'."_s.arg(name));
+        return applyChange(workspace, log, std::move(change),
+                           u"Created category '%1'."_s.arg(name));
     }
     const QUuid parentId = ensureCategory(project, *change, parent, QUuid());
-    ensureCategory(project, *change, name, parentId);
+    if (project.categories().contains(parentId)) {
+        ensureCategory(project, *change, name, parentId);
+    } else {
+        // A parent created by this same step exists only once the step runs, so the new
+        // category is made at the top level and moved under it within the step.
+        const QUuid id = ensureCategory(project, *change, name, QUuid());
+        change->append(std::make_unique<core::ReparentCategoryCommand>(project, id, parentId));
+    }
     return applyChange(workspace, log, std::move(change),
                        u"Created category '%1' under '%2'."_s.arg(name, parent));
 }
@@ -230,7 +253,8 @@ McpToolResult updateCategory(Workspace &workspace, McpChangeLog &log, const QJso
 {
     const QString name = trimmedArgument(arguments, u"category"_s);
     if (name.isEmpty())
-        return McpToolResult::failure(u"update_category needs \"category\" (the category to change)."_s);
+        return McpToolResult::failure(
+            u"update_category needs \"category\" (the category to change)."_s);
     core::Project &project = workspace.project();
     const core::CategoryTree &tree = project.categories();
     const core::Category *category = tree.category(findCategory(tree, name));
@@ -270,8 +294,9 @@ McpToolResult updateCategory(Workspace &workspace, McpChangeLog &log, const QJso
         phrases.append(u"renamed to '%1'"_s.arg(newName));
     }
     if (moves) {
-        const QUuid parentId =
-            parentName.isEmpty() ? QUuid() : ensureCategory(project, *change, parentName, QUuid());
+        const QUuid parentId = parentName.isEmpty()
+                                   ? QUuid()
+                                   : ensureCategory(project, *change, parentName, QUuid());
         if (parentId != category->parentId()) {
             change->append(std::make_unique<core::ReparentCategoryCommand>(project, id, parentId));
             const core::Category *known = tree.category(parentId);
@@ -295,8 +320,8 @@ McpToolResult addField(Workspace &workspace, McpChangeLog &log, const QJsonObjec
     if (name.isEmpty() || label.isEmpty())
         return McpToolResult::failure(u"add_field needs \"category\" and a non-empty \"label\"."_s);
     core::Project &project = workspace.project();
-    const core::Category *category = project.categories().category(
-        findCategory(project.categories(), name));
+    const core::Category *category
+        = project.categories().category(findCategory(project.categories(), name));
     if (!category)
         return McpToolResult::failure(noCategoryMessage(name));
 
@@ -304,9 +329,8 @@ McpToolResult addField(Workspace &workspace, McpChangeLog &log, const QJsonObjec
     if (const QString typeName = trimmedArgument(arguments, u"type"_s); !typeName.isEmpty()) {
         const std::optional<core::FieldType> parsed = core::enumFromName<core::FieldType>(typeName);
         if (!parsed) {
-            return McpToolResult::failure(
-                u"Unknown field type '%1'; use one of: %2."_s.arg(
-                    typeName, core::enumNames<core::FieldType>().join(u", "_s)));
+            return McpToolResult::failure(u"Unknown field type '%1'; use one of: %2."_s.arg(
+                typeName, core::enumNames<core::FieldType>().join(u", "_s)));
         }
         type = *parsed;
     }
@@ -333,9 +357,10 @@ McpToolResult addField(Workspace &workspace, McpChangeLog &log, const QJsonObjec
     const bool replaces = category->fieldIndex(key) >= 0;
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: add field"_s);
     change->append(std::make_unique<core::AddFieldCommand>(project, category->id(), field));
-    return applyChange(workspace, log, std::move(change),
-                       u"%1 the %2 field '%3' on category '%4'."_s.arg(
-                           replaces ? u"Updated"_s : u"Added"_s, core::enumName(type), label, name));
+    return applyChange(
+        workspace, log, std::move(change),
+        u"%1 the %2 field '%3' on category '%4'."_s.arg(replaces ? u"Updated"_s : u"Added"_s,
+                                                        core::enumName(type), label, name));
 }
 
 McpToolResult removeField(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
@@ -349,8 +374,10 @@ McpToolResult removeField(Workspace &workspace, McpChangeLog &log, const QJsonOb
     const core::Category *category = tree.category(findCategory(tree, name));
     if (!category)
         return McpToolResult::failure(noCategoryMessage(name));
-    const std::optional<SchemaField> field =
-        findSchemaField(tree.effectiveSchema(category->id()), fieldName);
+    const QList<SchemaField> schema = tree.effectiveSchema(category->id());
+    std::optional<SchemaField> field = findSchemaField(ownFields(schema), fieldName);
+    if (!field)
+        field = findSchemaField(schema, fieldName);
     if (!field)
         return McpToolResult::failure(u"Category '%1' has no field '%2'."_s.arg(name, fieldName));
     if (field->inherited) {
@@ -362,10 +389,10 @@ McpToolResult removeField(Workspace &workspace, McpChangeLog &log, const QJsonOb
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: remove field"_s);
     change->append(
         std::make_unique<core::RemoveFieldCommand>(project, category->id(), field->definition.key));
-    return applyChange(workspace, log, std::move(change),
-                       u"Removed the field '%1' from category '%2'. Entity values under it are "
-                       "kept, so undo restores the field with its data."_s.arg(
-                           field->definition.label, name));
+    return applyChange(
+        workspace, log, std::move(change),
+        u"Removed the field '%1' from category '%2'. Entity values under it are "
+        "kept, so undo restores the field with its data."_s.arg(field->definition.label, name));
 }
 
 McpToolResult moveField(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
@@ -376,7 +403,8 @@ McpToolResult moveField(Workspace &workspace, McpChangeLog &log, const QJsonObje
         return McpToolResult::failure(u"move_field needs \"category\" and \"field\"."_s);
     const QJsonValue positionValue = arguments.value(u"position"_s);
     if (!positionValue.isDouble())
-        return McpToolResult::failure(u"move_field needs \"position\" (a 0-based integer index)."_s);
+        return McpToolResult::failure(
+            u"move_field needs \"position\" (a 0-based integer index)."_s);
     // A fractional position is read as the whole number below it; anything past the end is
     // clamped further down, so a huge number simply means "last".
     const double requested = std::trunc(positionValue.toDouble());
@@ -387,9 +415,9 @@ McpToolResult moveField(Workspace &workspace, McpChangeLog &log, const QJsonObje
     const core::Category *category = tree.category(findCategory(tree, name));
     if (!category)
         return McpToolResult::failure(noCategoryMessage(name));
-    const std::optional<SchemaField> field = findSchemaField(
-        plannedSchema(tree, category->id()), fieldName);
-    if (!field || field->inherited) {
+    const std::optional<SchemaField> field
+        = findSchemaField(ownFields(tree.effectiveSchema(category->id())), fieldName);
+    if (!field) {
         return McpToolResult::failure(
             u"Category '%1' has no own field '%2' to reorder."_s.arg(name, fieldName));
     }

@@ -31,17 +31,6 @@ bool aliasMatches(const core::ContentObject &object, const QString &key)
                        [&](const QString &alias) { return foldedName(alias) == key; });
 }
 
-// The id as the agent typed it: 32 hexadecimal digits in the 8-4-4-4-12 grouping, with or
-// without braces. The nil id is no valid id.
-QUuid parseObjectId(const QString &text)
-{
-    const QString trimmed = text.trimmed();
-    const bool braced = trimmed.startsWith(u'{') && trimmed.endsWith(u'}');
-    if (trimmed.size() != (braced ? 38 : 36))
-        return {};
-    return QUuid::fromString(braced ? trimmed : u'{' + trimmed + u'}');
-}
-
 Result<LocatedObject> findById(Workspace &workspace, const ObjectQuery &query, const QString &kind)
 {
     const QUuid id = parseObjectId(query.id);
@@ -84,6 +73,15 @@ QString planningCandidate(const core::ContentObject &object)
 }
 
 } // namespace
+
+QUuid parseObjectId(const QString &text)
+{
+    const QString trimmed = text.trimmed();
+    const bool braced = trimmed.startsWith(u'{') && trimmed.endsWith(u'}');
+    if (trimmed.size() != (braced ? 38 : 36))
+        return {};
+    return QUuid::fromString(braced ? trimmed : u'{' + trimmed + u'}');
+}
 
 QString excludedFromAiMessage(const QString &title, bool forChange)
 {

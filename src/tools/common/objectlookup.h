@@ -91,6 +91,10 @@ Result<T *> findPlanningObject(Workspace &workspace, const QString &title, const
     return static_cast<T *>(*found);
 }
 
+// An id as the agent typed it: 32 hexadecimal digits in the 8-4-4-4-12 grouping, with or
+// without braces. Anything else, trailing characters included, and the nil id give the null id.
+QUuid parseObjectId(const QString &text);
+
 // The exclusion refusals, worded for reading or for changing.
 QString excludedFromAiMessage(const QString &title, bool forChange);
 
