@@ -1,5 +1,7 @@
 #include "storage/folderarchive.h"
 
+#include "storage/folderimage.h"
+
 #include "storage/zip/zipreader.h"
 #include "storage/zip/zipwriter.h"
 
@@ -15,16 +17,6 @@ using namespace Qt::StringLiterals;
 namespace fb::app {
 
 namespace {
-
-QString folderMissing(const QString &path)
-{
-    return u"The project folder does not exist: %1"_s.arg(QDir::toNativeSeparators(path));
-}
-
-QString fileUnreadable(const QString &path)
-{
-    return u"Could not read a project file: %1"_s.arg(QDir::toNativeSeparators(path));
-}
 
 QString archiveUnreadable()
 {
@@ -111,18 +103,10 @@ QList<FolderFile> listFolderFiles(const QString &folder)
 
 Result<QByteArray> packFolder(const QString &folder)
 {
-    if (!QFileInfo(folder).isDir())
-        return makeError(folderMissing(folder));
-    QList<ZipEntry> entries;
-    for (const FolderFile &file : listFolderFiles(folder)) {
-        QFile in(file.absolutePath);
-        if (!in.open(QIODevice::ReadOnly))
-            return makeError(fileUnreadable(file.absolutePath));
-        entries.append(ZipEntry{file.relativePath, in.readAll()});
-        if (in.error() != QFileDevice::NoError)
-            return makeError(fileUnreadable(file.absolutePath));
-    }
-    return writeZip(entries);
+    const Result<FolderImage> image = FolderImage::read(folder);
+    if (!image)
+        return makeError(image.error());
+    return image->pack();
 }
 
 Result<void> extractArchive(QByteArrayView archive, const QString &folder)

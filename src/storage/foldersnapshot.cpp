@@ -1,5 +1,6 @@
 #include "storage/foldersnapshot.h"
 
+#include "storage/folderwatch.h"
 #include "storage/projectfolder.h"
 
 #include <QCryptographicHash>
@@ -86,12 +87,23 @@ bool isWatchedProjectFile(const QString &fileName)
            || fileName.endsWith(QStringLiteral(".yaml"), Qt::CaseInsensitive);
 }
 
+FolderSnapshot::FolderSnapshot(Detection detection) : m_detection(detection) {}
+FolderSnapshot::~FolderSnapshot() = default;
+
 bool FolderSnapshot::isRacy(const Entry &entry) const
 {
     return entry.status.modifiedNs + racyWindowNs >= entry.recordedNs;
 }
 
 void FolderSnapshot::take(const QString &folder)
+{
+    // The watch starts before the scan, so a change made while scanning is reported too.
+    if (m_detection == Detection::KernelReports)
+        m_watch = std::make_unique<FolderWatch>(folder);
+    recordAll(folder);
+}
+
+void FolderSnapshot::recordAll(const QString &folder)
 {
     m_entries.clear();
     const qint64 now = nowNs();
@@ -122,6 +134,46 @@ void FolderSnapshot::update(const QString &folder, const FolderWriteReport &repo
 }
 
 bool FolderSnapshot::hasChanged(const QString &folder)
+{
+    if (!m_watch)
+        return scanWholeFolder(folder);
+    FolderWatch::Changes changes = m_watch->takeChanges();
+    if (changes.needsFullScan) {
+        // Watch the tree afresh (a new folder needs a watch of its own), then compare it all.
+        m_watch = std::make_unique<FolderWatch>(folder);
+        return scanWholeFolder(folder);
+    }
+    // The reports name every file touched since the last call, this server's own saves
+    // included; those compare equal to what the save recorded.
+    bool changed = false;
+    for (const QString &relative : std::as_const(changes.files)) {
+        if (isWatchedProjectFile(relative) && hasFileChanged(folder, relative))
+            changed = true;
+    }
+    return changed;
+}
+
+bool FolderSnapshot::hasFileChanged(const QString &folder, const QString &relative)
+{
+    const QString path = QDir(folder).filePath(relative);
+    struct stat info;
+    const bool exists = ::stat(QFile::encodeName(path).constData(), &info) == 0 && S_ISREG(info.st_mode);
+    const auto known = m_entries.find(relative);
+    if (!exists)
+        return known != m_entries.end();
+    if (known == m_entries.end())
+        return true;
+    const FileStatus status = statusOf(info);
+    if (status == known->status && !isRacy(*known))
+        return false;
+    if (digestOfFile(path) != known->digest)
+        return true;
+    known->status = status;
+    known->recordedNs = nowNs();
+    return false;
+}
+
+bool FolderSnapshot::scanWholeFolder(const QString &folder)
 {
     const qint64 now = nowNs();
     const QDir root(folder);

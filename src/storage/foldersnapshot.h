@@ -2,11 +2,15 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QSet>
 #include <QString>
+
+#include <memory>
 
 namespace fb::app {
 
 struct FolderWriteReport;
+class FolderWatch;
 
 // Remembers the "json" and "yaml" files of a project folder as they were at the last load or
 // save, so that an edit by another program is noticed before the next tool call.
@@ -17,16 +21,27 @@ struct FolderWriteReport;
 // unchanged, except while its modification time is so recent that a second write within the
 // same clock tick could have left the status as it was: such a file is compared by content.
 // A file whose status changed is read, and counts as changed only when its bytes did.
+//
+// On a local file system the kernel reports every change in the folder (inotify), so a call
+// looks only at the files named in those reports and costs nothing when there are none. Where
+// no such reports can be had (another system, a network share, a full event queue) the whole
+// folder is compared.
 class FolderSnapshot
 {
 public:
+    // How changes are found: from the kernel's reports where it gives them, or always by
+    // comparing the whole folder (the fallback, also chosen by tests to exercise it).
+    enum class Detection { KernelReports, FullScan };
+
+    explicit FolderSnapshot(Detection detection = Detection::KernelReports);
+    ~FolderSnapshot();
+
     // Records every json and yaml file under the folder.
     void take(const QString &folder);
     // Records the files this process just wrote or removed, without rescanning the folder.
     void update(const QString &folder, const FolderWriteReport &report);
     // Whether a json or yaml file was added, removed or changed since the last take or update.
     bool hasChanged(const QString &folder);
-    void clear() { m_entries.clear(); }
 
     struct FileStatus
     {
@@ -47,8 +62,13 @@ private:
     };
 
     bool isRacy(const Entry &entry) const;
+    bool scanWholeFolder(const QString &folder);
+    bool hasFileChanged(const QString &folder, const QString &relative);
+    void recordAll(const QString &folder);
 
+    Detection m_detection;
     QHash<QString, Entry> m_entries;
+    std::unique_ptr<FolderWatch> m_watch;
 };
 
 // Whether a file name has one of the suffixes the snapshot watches ("json", "yaml", any case).

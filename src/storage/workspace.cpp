@@ -4,6 +4,7 @@
 #include "core/project.h"
 #include "storage/backup.h"
 #include "storage/folderarchive.h"
+#include "storage/folderimage.h"
 #include "storage/foldersnapshot.h"
 #include "storage/projectfolder.h"
 #include "storage/zip/zipreader.h"
@@ -65,15 +66,27 @@ bool writeAtomically(const QString &path, const QByteArray &bytes)
 
 enum class WorkingCopyState { None, Clean, Dirty, Unreadable };
 
-WorkingCopyState classifyWorkingCopy(const QString &folder, const QByteArray &bundleBytes)
+struct WorkingCopy
+{
+    WorkingCopyState state = WorkingCopyState::None;
+    // What the working copy holds, when it could be read, and those files packed as a save
+    // would pack them.
+    std::optional<FolderImage> image;
+    QByteArray packed;
+};
+
+WorkingCopy classifyWorkingCopy(const QString &folder, const QByteArray &bundleBytes)
 {
     const QDir dir(folder);
     if (!dir.exists() || dir.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden))
-        return WorkingCopyState::None;
-    const Result<QByteArray> packed = packFolder(folder);
-    if (!packed)
-        return WorkingCopyState::Unreadable;
-    return *packed == bundleBytes ? WorkingCopyState::Clean : WorkingCopyState::Dirty;
+        return {};
+    Result<FolderImage> image = FolderImage::read(folder);
+    if (!image)
+        return {WorkingCopyState::Unreadable, std::nullopt, {}};
+    QByteArray packed = image->pack();
+    const WorkingCopyState state =
+        packed == bundleBytes ? WorkingCopyState::Clean : WorkingCopyState::Dirty;
+    return {state, std::move(image).value(), std::move(packed)};
 }
 
 QString markerBundleHash(const QString &markerPath)
@@ -122,8 +135,10 @@ void Workspace::loadLibraries()
     // project, the folder beside a bundle.
     const QDir base = m_bundlePath.isEmpty() ? QDir(m_folder) : QFileInfo(m_bundlePath).dir();
     for (const core::Mount &mount : m_project->mounts()) {
-        MountedLibrary library{mount.name, mount.path, mount.writable, nullptr, QString()};
         const QString path = QDir::cleanPath(base.absoluteFilePath(mount.path));
+        // Library content is told apart by its name, so a library always has one.
+        const QString name = mount.name.trimmed().isEmpty() ? QFileInfo(path).fileName() : mount.name;
+        MountedLibrary library{name, mount.path, mount.writable, nullptr, QString()};
         if (!QFileInfo::exists(QDir(path).filePath(QStringLiteral("project.json")))) {
             library.loadError =
                 QStringLiteral("The library folder is missing or is not a project: %1").arg(native(path));
@@ -178,31 +193,31 @@ Result<std::unique_ptr<Workspace>> Workspace::openBundle(const QString &bundlePa
         QDir(paths.workingCopiesFolder).filePath(copyName + QStringLiteral(".json"));
     const QString &folder = workspace->m_folder;
 
-    const WorkingCopyState state = classifyWorkingCopy(folder, *bytes);
+    WorkingCopy copy = classifyWorkingCopy(folder, *bytes);
     const bool bundleUnchanged = markerBundleHash(workspace->m_markerPath) == sha256Hex(*bytes);
     QByteArray bundleOnDisk = *bytes;
 
-    if (state == WorkingCopyState::Dirty && bundleUnchanged) {
+    if (copy.state == WorkingCopyState::Dirty && bundleUnchanged) {
         // The working copy holds edits that never reached the bundle: a save was interrupted
         // between the folder and the bundle. Finish it.
-        const Result<QByteArray> packed = packFolder(folder);
-        if (!packed || !writeAtomically(absoluteBundle, *packed)) {
+        if (!writeAtomically(absoluteBundle, copy.packed)) {
             return makeError(QStringLiteral("Could not restore unsaved changes into the project file: %1")
                                  .arg(native(bundlePath)));
         }
-        bundleOnDisk = *packed;
-    } else if (state == WorkingCopyState::Dirty || state == WorkingCopyState::Unreadable) {
-        // The bundle moved on without this copy: keep the copy as a backup, then start afresh.
-        writeBackup(folder, paths.backupFolder, QFileInfo(absoluteBundle).completeBaseName(),
-                    paths.timeStamp, staleCopyBackupRetention);
-        if (!QDir(folder).removeRecursively())
-            return makeError(QStringLiteral("Could not clear the stale working copy: %1").arg(native(folder)));
-    }
-    if (state != WorkingCopyState::Clean && !(state == WorkingCopyState::Dirty && bundleUnchanged)) {
-        const Result<void> extracted = extractArchive(*bytes, folder);
-        if (!extracted)
+        bundleOnDisk = copy.packed;
+    } else if (copy.state != WorkingCopyState::Clean) {
+        if (copy.state != WorkingCopyState::None) {
+            // The bundle moved on without this copy: keep the copy as a backup, then start afresh.
+            writeBackup(folder, paths.backupFolder, QFileInfo(absoluteBundle).completeBaseName(),
+                        paths.timeStamp, staleCopyBackupRetention);
+            if (!QDir(folder).removeRecursively())
+                return makeError(QStringLiteral("Could not clear the stale working copy: %1").arg(native(folder)));
+        }
+        if (const Result<void> extracted = extractArchive(*bytes, folder); !extracted)
             return makeError(extracted.error());
+        copy.image.reset();
     }
+    workspace->m_image = std::move(copy.image);
 
     if (const Result<void> marked = workspace->writeMarker(bundleOnDisk); !marked)
         return makeError(marked.error());
@@ -229,9 +244,16 @@ void Workspace::recordBundleStatus()
     m_bundleModified = info.lastModified();
 }
 
-Result<void> Workspace::writeBundle()
+Result<void> Workspace::writeBundle(const FolderWriteReport &written)
 {
-    const Result<QByteArray> packed = packFolder(m_folder);
+    // The image of the working copy takes in what the save wrote; only when it is missing
+    // (the working copy could not be read when it was opened) is the whole folder read again.
+    if (m_image)
+        m_image->apply(written);
+    else if (Result<FolderImage> image = FolderImage::read(m_folder); image)
+        m_image = std::move(image).value();
+    const Result<QByteArray> packed =
+        m_image ? Result<QByteArray>(m_image->pack()) : Result<QByteArray>(Error{QString()});
     if (!packed)
         return makeError(QStringLiteral("Could not write the project file: %1").arg(native(m_bundlePath)));
     if (!QDir().mkpath(QFileInfo(m_bundlePath).path()))
@@ -253,7 +275,7 @@ Result<void> Workspace::save()
         return makeError(written.error());
     m_snapshot->update(m_folder, *written);
     if (!m_bundlePath.isEmpty()) {
-        if (const Result<void> bundled = writeBundle(); !bundled)
+        if (const Result<void> bundled = writeBundle(*written); !bundled)
             return bundled;
     }
     m_undo->markSaved();
@@ -322,6 +344,7 @@ Result<void> Workspace::refreshWorkingCopy()
         return makeError(QStringLiteral("Could not refresh the project's working folder: %1")
                              .arg(native(m_folder)));
     }
+    m_image.reset();
     return writeMarker(*bytes);
 }
 

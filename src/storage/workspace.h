@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/result.h"
+#include "storage/folderimage.h"
 #include "storage/storagepaths.h"
 
 #include <QByteArray>
@@ -8,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace fb::core {
@@ -18,6 +20,7 @@ class UndoHistory;
 namespace fb::app {
 
 class FolderSnapshot;
+struct FolderWriteReport;
 class ProjectFolderWriter;
 
 // Another project attached to the open one and loaded read-only: its objects are found,
@@ -65,7 +68,7 @@ private:
     Workspace();
 
     Result<void> loadFromFolder();
-    Result<void> writeBundle();
+    Result<void> writeBundle(const FolderWriteReport &written);
     Result<void> refreshWorkingCopy();
     Result<void> writeMarker(const QByteArray &bundleBytes);
     void recordBundleStatus();
@@ -76,6 +79,8 @@ private:
     std::unique_ptr<ProjectFolderWriter> m_writer;
     std::unique_ptr<FolderSnapshot> m_snapshot;
     std::vector<MountedLibrary> m_libraries;
+    // A bundle's working copy in memory, so a save packs only what changed.
+    std::optional<FolderImage> m_image;
     QString m_folder;
     QString m_bundlePath;
     QString m_markerPath;

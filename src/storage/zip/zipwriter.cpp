@@ -65,7 +65,7 @@ QByteArray writeZip(const QList<ZipEntry> &entries)
     for (const ZipEntry &entry : entries) {
         PreparedEntry p;
         p.name = entry.name.toUtf8().left(kMaxNameBytes);
-        p.crc = crc32(entry.data);
+        p.crc = entry.crc ? *entry.crc : crc32(entry.data);
         p.size = quint32(entry.data.size());
         total += kLocalHeaderSize + kCentralHeaderSize + 2 * p.name.size() + entry.data.size();
         prepared.push_back(std::move(p));

@@ -4,6 +4,8 @@
 #include <QList>
 #include <QString>
 
+#include <optional>
+
 namespace fb::app {
 
 // One file of an archive: its name ("/" separates folders; a trailing "/" marks a folder)
@@ -12,6 +14,8 @@ struct ZipEntry
 {
     QString name;
     QByteArray data;
+    // The CRC-32 of data when the caller already knows it; computed when absent.
+    std::optional<quint32> crc = std::nullopt;
 };
 
 // Packs the entries, in the given order, into a ZIP archive of stored entries. Every header

@@ -1,0 +1,183 @@
+// Writes a deterministic synthetic project in the real folder format, and the same project as a
+// .fablery bundle, for the benchmark driver. The same size always gives the same bytes: every
+// id and word comes from one seeded generator.
+
+#include "core/category.h"
+#include "core/contentobjects.h"
+#include "core/project.h"
+#include "storage/folderarchive.h"
+#include "storage/projectfolder.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QSaveFile>
+
+#include <cstdio>
+#include <random>
+
+namespace {
+
+using namespace fb;
+
+struct Size
+{
+    int chapters;
+    int scenesPerChapter;
+    int wordsPerScene;
+    int categories;
+    int entities;
+    int events;
+    int tasks;
+};
+
+const Size smallSize{10, 9, 500, 5, 250, 100, 25};
+// 100 chapters of 19 scenes: 2,000 documents holding about 1,000,000 words.
+const Size largeSize{100, 19, 526, 20, 5000, 2000, 500};
+
+class Generator
+{
+public:
+    explicit Generator(quint64 seed) : m_random(seed) {}
+
+    QUuid id()
+    {
+        const quint64 high = m_random();
+        const quint64 low = m_random();
+        QUuid uuid(uint(high >> 32), ushort(high >> 16), ushort(high), uchar(low >> 56),
+                   uchar(low >> 48), uchar(low >> 40), uchar(low >> 32), uchar(low >> 24),
+                   uchar(low >> 16), uchar(low >> 8), uchar(low));
+        // Version 4, RFC variant, like the ids the applications make.
+        uuid.data3 = (uuid.data3 & 0x0fff) | 0x4000;
+        uuid.data4[0] = (uuid.data4[0] & 0x3f) | 0x80;
+        return uuid;
+    }
+
+    int below(int n) { return int(m_random() % quint64(n)); }
+
+    QString words(int count)
+    {
+        static const char *const vocabulary[] = {
+            "the", "lantern", "harbor", "salt", "road", "ledger", "archive", "tide", "ferry",
+            "smoke", "quiet", "night", "lamp", "rope", "stone", "river", "north", "window",
+            "paper", "voice", "and", "of", "to", "in", "she", "he", "was", "had", "with", "at",
+            "a", "her", "his", "not", "on", "for", "light", "dark", "cold", "shore"};
+        constexpr int vocabularySize = int(sizeof vocabulary / sizeof *vocabulary);
+        QString text;
+        text.reserve(count * 6);
+        for (int i = 0; i < count; ++i) {
+            if (i > 0)
+                text += (i % 90 == 0) ? QStringLiteral("\n\n") : QStringLiteral(" ");
+            text += QLatin1StringView(vocabulary[below(vocabularySize)]);
+        }
+        return text + u'.';
+    }
+
+private:
+    std::mt19937_64 m_random;
+};
+
+std::unique_ptr<core::Project> buildProject(const Size &size)
+{
+    Generator gen(20261122);
+    auto project = std::make_unique<core::Project>();
+    project->setName(QStringLiteral("Benchmark Novel"));
+
+    for (int c = 0; c < size.chapters; ++c) {
+        auto chapter = std::make_unique<core::Document>(QStringLiteral("Chapter %1").arg(c + 1), gen.id());
+        chapter->setSortIndex(c);
+        chapter->setSynopsis(gen.words(12));
+        const QUuid chapterId = chapter->id();
+        project->addObject(std::move(chapter));
+        for (int s = 0; s < size.scenesPerChapter; ++s) {
+            auto scene = std::make_unique<core::Document>(
+                QStringLiteral("Scene %1.%2").arg(c + 1).arg(s + 1), gen.id());
+            scene->setParentId(chapterId);
+            scene->setSortIndex(s);
+            scene->setBody(gen.words(size.wordsPerScene));
+            scene->setStatus(QStringLiteral("Draft"));
+            project->addObject(std::move(scene));
+        }
+    }
+
+    std::vector<QUuid> categories;
+    for (int c = 0; c < size.categories; ++c) {
+        auto category = std::make_unique<core::Category>(QStringLiteral("Category %1").arg(c + 1),
+                                                         QUuid(), gen.id());
+        category->setFields({{QStringLiteral("summary"), QStringLiteral("Summary")},
+                             {QStringLiteral("origin"), QStringLiteral("Origin")},
+                             {QStringLiteral("rank"), QStringLiteral("Rank"), core::FieldType::Number}});
+        categories.push_back(category->id());
+        project->categories().add(std::move(category));
+    }
+    std::vector<QUuid> entities;
+    for (int e = 0; e < size.entities; ++e) {
+        auto entity = std::make_unique<core::Entity>(gen.id());
+        entity->setName(QStringLiteral("Entity %1").arg(e + 1));
+        entity->setCategoryId(categories[size_t(e) % categories.size()]);
+        entity->setAliases({QStringLiteral("Alias %1").arg(e + 1)});
+        entity->setValues({{QStringLiteral("summary"), gen.words(20)},
+                           {QStringLiteral("origin"), gen.words(3)},
+                           {QStringLiteral("rank"), QString::number(gen.below(100))}});
+        entities.push_back(entity->id());
+        project->addObject(std::move(entity));
+    }
+
+    auto timeline = std::make_unique<core::Timeline>(QStringLiteral("Main timeline"), gen.id());
+    const QUuid timelineId = timeline->id();
+    project->addObject(std::move(timeline));
+    for (int e = 0; e < size.events; ++e) {
+        auto event = std::make_unique<core::TimelineEvent>(gen.id());
+        event->setTimelineId(timelineId);
+        event->setTitle(QStringLiteral("Event %1").arg(e + 1));
+        event->setStartMinute(qint64(e) * 1440 * 3 + gen.below(1440));
+        event->setDurationMinutes(60 + gen.below(600));
+        event->setParticipants({entities[size_t(gen.below(int(entities.size())))],
+                                entities[size_t(gen.below(int(entities.size())))]});
+        event->setLocationId(entities[size_t(gen.below(int(entities.size())))]);
+        event->setDescription(gen.words(25));
+        project->addObject(std::move(event));
+    }
+    for (int t = 0; t < size.tasks; ++t) {
+        auto task = std::make_unique<core::Task>(QStringLiteral("Task %1").arg(t + 1), gen.id());
+        task->setDescription(gen.words(15));
+        task->setStatus(t % 3 == 0 ? QStringLiteral("Done") : QStringLiteral("To Do"));
+        project->addObject(std::move(task));
+    }
+    return project;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QCoreApplication application(argc, argv);
+    const QStringList arguments = QCoreApplication::arguments();
+    if (arguments.size() != 3 || (arguments[1] != u"small" && arguments[1] != u"large")) {
+        std::fprintf(stderr, "Usage: fablery-bench-generate small|large <output folder>\n");
+        return 2;
+    }
+    const Size &size = arguments[1] == u"large" ? largeSize : smallSize;
+    const QString output = arguments[2];
+    const QString folder = QDir(output).filePath(QStringLiteral("project"));
+    QDir(folder).removeRecursively();
+
+    const std::unique_ptr<core::Project> project = buildProject(size);
+    app::ProjectFolderWriter writer;
+    if (const auto written = writer.write(folder, *project); !written) {
+        std::fprintf(stderr, "%s\n", qPrintable(written.error()));
+        return 1;
+    }
+    const auto packed = app::packFolder(folder);
+    QSaveFile bundle(QDir(output).filePath(QStringLiteral("project.fablery")));
+    if (!packed || !bundle.open(QIODevice::WriteOnly) || bundle.write(*packed) != packed->size()
+        || !bundle.commit()) {
+        std::fprintf(stderr, "Could not write the bundle.\n");
+        return 1;
+    }
+    std::printf("Wrote %lld objects and %lld categories to %s (bundle %.1f MB)\n",
+                static_cast<long long>(project->objectCount()),
+                static_cast<long long>(project->categories().count()), qPrintable(folder),
+                double(packed->size()) / 1e6);
+    return 0;
+}
