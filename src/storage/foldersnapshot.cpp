@@ -3,9 +3,9 @@
 #include "storage/folderwatch.h"
 #include "storage/projectfolder.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
+#include <QHash>
 
 #include <chrono>
 
@@ -40,16 +40,19 @@ FolderSnapshot::FileStatus statusOf(const struct stat &info)
     return {qint64(info.st_size), toNs(info.st_mtim), toNs(info.st_ctim), quint64(info.st_ino)};
 }
 
-QByteArray digestOf(const QByteArray &bytes)
+// A fast 64-bit digest: it only has to tell whether bytes changed since this process saw them,
+// and an accidental collision of a real edit is as unlikely as 1 in 2^64.
+quint64 digestOf(const QByteArray &bytes)
 {
-    return QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
+    return quint64(qHashBits(bytes.constData(), size_t(bytes.size()), 0));
 }
 
-QByteArray digestOfFile(const QString &path)
+// Unreadable files get a digest no content has in practice, so they compare as changed.
+quint64 digestOfFile(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return {};
+        return ~quint64(0);
     return digestOf(file.readAll());
 }
 
@@ -97,22 +100,41 @@ bool FolderSnapshot::isRacy(const Entry &entry) const
 
 void FolderSnapshot::take(const QString &folder)
 {
-    // The watch starts before the scan, so a change made while scanning is reported too.
-    if (m_detection == Detection::KernelReports)
-        m_watch = std::make_unique<FolderWatch>(folder);
-    recordAll(folder);
+    beginTake(folder);
+    finishTake(folder);
 }
 
-void FolderSnapshot::recordAll(const QString &folder)
+void FolderSnapshot::beginTake(const QString &folder)
 {
+    // The watch starts before anything is read, so a change made meanwhile is reported too.
+    m_watch.reset();
+    if (m_detection == Detection::KernelReports)
+        m_watch = std::make_unique<FolderWatch>(folder);
+    m_noted.clear();
+}
+
+void FolderSnapshot::noteContents(const QString &relativePath, const QByteArray &bytes)
+{
+    m_noted.insert(relativePath, digestOf(bytes));
+}
+
+void FolderSnapshot::finishTake(const QString &folder)
+{
+    // Without the kernel's reports a file might change between its reading and the status
+    // recorded here, so noted contents are trusted only while a watch runs.
+    const bool trustNoted = m_watch && m_watch->isValid();
     m_entries.clear();
     const qint64 now = nowNs();
     const QDir root(folder);
     walkWatchedFiles(QFile::encodeName(folder), QString(),
                      [&](const QString &relative, const struct stat &info) {
-                         m_entries.insert(relative, {statusOf(info),
-                                                     digestOfFile(root.filePath(relative)), now});
+                         const auto noted = m_noted.constFind(relative);
+                         const quint64 digest = trustNoted && noted != m_noted.constEnd()
+                                                    ? *noted
+                                                    : digestOfFile(root.filePath(relative));
+                         m_entries.insert(relative, {statusOf(info), digest, now});
                      });
+    m_noted.clear();
 }
 
 void FolderSnapshot::update(const QString &folder, const FolderWriteReport &report)

@@ -38,6 +38,12 @@ public:
 
     // Records every json and yaml file under the folder.
     void take(const QString &folder);
+    // The same in two steps around a reading of the folder: files read in between are noted
+    // with their bytes, so they need not be read a second time. The kernel's reports start at
+    // beginTake, so a file changed after it was read is still caught.
+    void beginTake(const QString &folder);
+    void noteContents(const QString &relativePath, const QByteArray &bytes);
+    void finishTake(const QString &folder);
     // Records the files this process just wrote or removed, without rescanning the folder.
     void update(const QString &folder, const FolderWriteReport &report);
     // Whether a json or yaml file was added, removed or changed since the last take or update.
@@ -57,17 +63,17 @@ private:
     struct Entry
     {
         FileStatus status;
-        QByteArray digest;
+        quint64 digest = 0;
         qint64 recordedNs = 0;
     };
 
     bool isRacy(const Entry &entry) const;
     bool scanWholeFolder(const QString &folder);
     bool hasFileChanged(const QString &folder, const QString &relative);
-    void recordAll(const QString &folder);
 
     Detection m_detection;
     QHash<QString, Entry> m_entries;
+    QHash<QString, quint64> m_noted;
     std::unique_ptr<FolderWatch> m_watch;
 };
 

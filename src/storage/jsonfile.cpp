@@ -11,10 +11,17 @@ namespace fb::app {
 
 Result<QJsonObject> readJsonFile(const QString &path)
 {
+    QByteArray bytes;
+    return readJsonFile(path, bytes);
+}
+
+Result<QJsonObject> readJsonFile(const QString &path, QByteArray &bytes)
+{
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return makeError(u"Cannot read file: %1"_s.arg(QDir::toNativeSeparators(path)));
-    const QJsonDocument document = QJsonDocument::fromJson(file.readAll());
+    bytes = file.readAll();
+    const QJsonDocument document = QJsonDocument::fromJson(bytes);
     if (!document.isObject())
         return makeError(u"Invalid JSON in file: %1"_s.arg(QDir::toNativeSeparators(path)));
     return document.object();

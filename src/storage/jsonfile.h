@@ -14,6 +14,8 @@ namespace fb::app {
 // Fails with "Cannot read file: %1" or, when the file holds anything but a JSON object,
 // "Invalid JSON in file: %1".
 Result<QJsonObject> readJsonFile(const QString &path);
+// The same, also handing over the bytes read, for callers that remember what they read.
+Result<QJsonObject> readJsonFile(const QString &path, QByteArray &bytes);
 
 QByteArray jsonFileBytes(const QJsonObject &object);
 

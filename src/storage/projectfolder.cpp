@@ -9,6 +9,7 @@
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QSet>
 
@@ -34,17 +35,40 @@ QString fileNameOf(const QUuid &id)
     return core::idText(id) + u".json"_s;
 }
 
-// The stored files of one folder, by name, in the order the reader walks them.
+// The stored files of one folder, by name, in the order the reader walks them. Listed without
+// name filters or sorting by QDir, which cost more than reading a project of thousands of files.
 QStringList storedFileNames(const QString &folder)
 {
-    return QDir(folder).entryList({u"*.json"_s}, QDir::Files | QDir::CaseSensitive, QDir::Name);
+    QStringList names;
+    QDirIterator it(folder, QDir::Files);
+    while (it.hasNext()) {
+        it.next();
+        if (it.fileName().endsWith(u".json"_s))
+            names.append(it.fileName());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
 }
 
-Result<void> readObjects(const QString &folder, core::Project &project)
+// Reads one stored file, telling the observer what was read.
+Result<QJsonObject> readStoredFile(const QString &folder, const QString &relativePath,
+                                   const FileReadObserver &observer)
 {
+    QByteArray bytes;
+    Result<QJsonObject> json = readJsonFile(folder + u'/' + relativePath, bytes);
+    if (json && observer)
+        observer(relativePath, bytes);
+    return json;
+}
+
+Result<void> readObjects(const QString &root, core::Project &project,
+                         const FileReadObserver &observer)
+{
+    const QString folder = root + u'/' + objectsFolderName;
     for (const QString &name : storedFileNames(folder)) {
         const QString path = folder + u'/' + name;
-        const Result<QJsonObject> json = readJsonFile(path);
+        const Result<QJsonObject> json =
+            readStoredFile(root, objectsFolderName + u'/' + name, observer);
         if (!json)
             return makeError(json.error());
         Result<std::unique_ptr<core::ContentObject>> object = objectFromJson(*json, path);
@@ -60,11 +84,14 @@ Result<void> readObjects(const QString &folder, core::Project &project)
     return {};
 }
 
-Result<void> readCategories(const QString &folder, core::CategoryTree &tree)
+Result<void> readCategories(const QString &root, core::CategoryTree &tree,
+                            const FileReadObserver &observer)
 {
+    const QString folder = root + u'/' + taxonomyFolderName;
     for (const QString &name : storedFileNames(folder)) {
         const QString path = folder + u'/' + name;
-        const Result<QJsonObject> json = readJsonFile(path);
+        const Result<QJsonObject> json =
+            readStoredFile(root, taxonomyFolderName + u'/' + name, observer);
         if (!json)
             return makeError(json.error());
         Result<std::unique_ptr<core::Category>> category = categoryFromJson(*json, path);
@@ -80,20 +107,18 @@ Result<void> readCategories(const QString &folder, core::CategoryTree &tree)
 
 } // namespace
 
-Result<std::unique_ptr<core::Project>> readProjectFolder(const QString &folder)
+Result<std::unique_ptr<core::Project>> readProjectFolder(const QString &folder,
+                                                         const FileReadObserver &observer)
 {
-    const QDir root(folder);
-    const Result<QJsonObject> settings = readJsonFile(root.filePath(projectFileName));
+    const Result<QJsonObject> settings = readStoredFile(folder, projectFileName, observer);
     if (!settings)
         return makeError(settings.error());
 
     auto project = std::make_unique<core::Project>();
     readProjectSettings(*settings, *project);
-    if (const Result<void> read = readObjects(root.filePath(objectsFolderName), *project); !read)
+    if (const Result<void> read = readObjects(folder, *project, observer); !read)
         return makeError(read.error());
-    if (const Result<void> read = readCategories(root.filePath(taxonomyFolderName),
-                                                 project->categories());
-        !read) {
+    if (const Result<void> read = readCategories(folder, project->categories(), observer); !read) {
         return makeError(read.error());
     }
     return project;

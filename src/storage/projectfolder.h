@@ -8,6 +8,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace fb::core {
@@ -16,9 +17,14 @@ class Project;
 
 namespace fb::app {
 
+// Called with every file the reader reads: its path relative to the folder ("/" separators)
+// and its bytes.
+using FileReadObserver = std::function<void(const QString &relativePath, const QByteArray &bytes)>;
+
 // Reads a project folder ("project.json", "objects", "taxonomy") into a new model. Keys the
 // model does not know are kept on the objects, categories and project as preserved properties.
-Result<std::unique_ptr<core::Project>> readProjectFolder(const QString &folder);
+Result<std::unique_ptr<core::Project>> readProjectFolder(const QString &folder,
+                                                         const FileReadObserver &observer = {});
 
 // What one write put on disk, as paths relative to the project folder with "/" separators: the
 // files committed with their exact bytes, and the files removed.

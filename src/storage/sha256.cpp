@@ -119,7 +119,7 @@ QByteArray instructionSha256(QByteArrayView data)
     std::array<char, 2 * kBlockSize> last{};
     const qsizetype rest = data.size() - fullBlocks * kBlockSize;
     if (rest > 0)
-        std::memcpy(last.data(), data.data() + fullBlocks * kBlockSize, size_t(rest) + 1);
+        std::memcpy(last.data(), data.data() + fullBlocks * kBlockSize, size_t(rest));
     last[size_t(rest)] = char(0x80);
     const qsizetype lastBlocks = rest + 1 + 8 <= kBlockSize ? 1 : 2;
     qToBigEndian(quint64(data.size()) * 8, last.data() + lastBlocks * kBlockSize - 8);

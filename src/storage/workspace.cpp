@@ -7,9 +7,9 @@
 #include "storage/folderimage.h"
 #include "storage/foldersnapshot.h"
 #include "storage/projectfolder.h"
+#include "storage/sha256.h"
 #include "storage/zip/zipreader.h"
 
-#include <QCryptographicHash>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -26,12 +26,6 @@ constexpr int staleCopyBackupRetention = 15;
 QString native(const QString &path)
 {
     return QDir::toNativeSeparators(path);
-}
-
-QString sha256Hex(const QByteArray &bytes)
-{
-    return QString::fromLatin1(
-        QCryptographicHash::hash(bytes, QCryptographicHash::Sha256).toHex());
 }
 
 Result<QByteArray> readWholeFile(const QString &path)
@@ -118,14 +112,26 @@ QString Workspace::displayPath() const
 
 Result<void> Workspace::loadFromFolder()
 {
-    Result<std::unique_ptr<core::Project>> loaded = readProjectFolder(m_folder);
+    Result<std::unique_ptr<core::Project>> loaded = readSnapshotted();
     if (!loaded)
         return makeError(loaded.error());
     m_project = std::move(loaded).value();
     m_writer->assumeOnDisk(*m_project);
-    m_snapshot->take(m_folder);
     loadLibraries();
     return {};
+}
+
+Result<std::unique_ptr<core::Project>> Workspace::readSnapshotted()
+{
+    // The snapshot of what is on disk comes from the same reading as the model, so the project
+    // is read once.
+    m_snapshot->beginTake(m_folder);
+    Result<std::unique_ptr<core::Project>> loaded =
+        readProjectFolder(m_folder, [this](const QString &path, const QByteArray &bytes) {
+            m_snapshot->noteContents(path, bytes);
+        });
+    m_snapshot->finishTake(m_folder);
+    return loaded;
 }
 
 void Workspace::loadLibraries()
@@ -301,7 +307,7 @@ Result<void> Workspace::reload()
             return refreshed;
     }
 
-    Result<std::unique_ptr<core::Project>> loaded = readProjectFolder(m_folder);
+    Result<std::unique_ptr<core::Project>> loaded = readSnapshotted();
     if (!loaded) {
         // The folder no longer matches what the writer last put there.
         m_writer->forget();
@@ -310,7 +316,6 @@ Result<void> Workspace::reload()
     m_undo->clear();
     m_project = std::move(loaded).value();
     m_writer->assumeOnDisk(*m_project);
-    m_snapshot->take(m_folder);
     loadLibraries();
     if (!m_bundlePath.isEmpty())
         recordBundleStatus();

@@ -68,6 +68,7 @@ private:
     Workspace();
 
     Result<void> loadFromFolder();
+    Result<std::unique_ptr<core::Project>> readSnapshotted();
     Result<void> writeBundle(const FolderWriteReport &written);
     Result<void> refreshWorkingCopy();
     Result<void> writeMarker(const QByteArray &bundleBytes);
