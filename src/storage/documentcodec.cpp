@@ -82,7 +82,7 @@ void readEntity(JsonReader &reader, Entity &entity)
     entity.setDeathInstant(reader.optionalInt64("deathInstant"_L1));
     entity.setTimedValues(reader.list<TimedValue>("timedValues"_L1, [](JsonReader &item) {
         return TimedValue{item.string("fieldKey"_L1), item.int64("instant"_L1),
-                          valueText(item.value("value"_L1))};
+                          storedValueText(item.value("value"_L1))};
     }));
 }
 

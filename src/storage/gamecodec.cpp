@@ -74,7 +74,7 @@ void readStatBlock(JsonReader &reader, StatBlock &block)
     record.system = reader.string("system"_L1);
     record.notes = reader.string("notes"_L1);
     record.stats = reader.list<StatLine>("stats"_L1, [](JsonReader &item) {
-        return StatLine{item.string("label"_L1), valueText(item.value("value"_L1))};
+        return StatLine{item.string("label"_L1), storedValueText(item.value("value"_L1))};
     });
     record.actions = reader.list<StatAction>("actions"_L1, [](JsonReader &item) {
         return StatAction{item.string("name"_L1), item.string("text"_L1)};

@@ -94,7 +94,7 @@ QMap<QString, QString> JsonReader::textMap(QLatin1StringView key)
     const QJsonObject members = object(key);
     QMap<QString, QString> result;
     for (auto it = members.constBegin(); it != members.constEnd(); ++it)
-        result.insert(it.key(), valueText(it.value()));
+        result.insert(it.key(), storedValueText(it.value()));
     return result;
 }
 
@@ -134,7 +134,7 @@ QVariantMap JsonReader::unreadProperties() const
     return result;
 }
 
-QString valueText(const QJsonValue &value)
+QString storedValueText(const QJsonValue &value)
 {
     switch (value.type()) {
     case QJsonValue::String:

@@ -90,7 +90,7 @@ private:
 
 // The text form of a value kept as text: strings as they are, numbers and booleans in their
 // JSON spelling, anything else empty.
-QString valueText(const QJsonValue &value);
+QString storedValueText(const QJsonValue &value);
 
 // Stored forms. An id is its UUID text, "" for the null id; a calendar date "yyyy-MM-dd" and a
 // date-time ISO 8601 with milliseconds, each "" when invalid.

@@ -91,8 +91,7 @@ QString schemaFieldLine(const core::CategoryTree::SchemaField &field)
     if (definition.required)
         line += QStringLiteral(", required");
     if (definition.type == core::FieldType::Choice && !definition.options.isEmpty())
-        line
-            += QStringLiteral(" -- options: %1").arg(definition.options.join(QStringLiteral(", ")));
+        line += QStringLiteral(" -- options: %1").arg(definition.options.join(u", "));
     if (field.inherited)
         line += QStringLiteral(" (inherited)");
     if (!definition.description.isEmpty())

@@ -252,9 +252,10 @@ McpToolResult createCategory(Workspace &workspace, McpChangeLog &log, const QJso
 McpToolResult updateCategory(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
 {
     const QString name = trimmedArgument(arguments, u"category"_s);
-    if (name.isEmpty())
+    if (name.isEmpty()) {
         return McpToolResult::failure(
             u"update_category needs \"category\" (the category to change)."_s);
+    }
     core::Project &project = workspace.project();
     const core::CategoryTree &tree = project.categories();
     const core::Category *category = tree.category(findCategory(tree, name));
@@ -402,9 +403,10 @@ McpToolResult moveField(Workspace &workspace, McpChangeLog &log, const QJsonObje
     if (name.isEmpty() || fieldName.isEmpty())
         return McpToolResult::failure(u"move_field needs \"category\" and \"field\"."_s);
     const QJsonValue positionValue = arguments.value(u"position"_s);
-    if (!positionValue.isDouble())
+    if (!positionValue.isDouble()) {
         return McpToolResult::failure(
             u"move_field needs \"position\" (a 0-based integer index)."_s);
+    }
     // A fractional position is read as the whole number below it; anything past the end is
     // clamped further down, so a huge number simply means "last".
     const double requested = std::trunc(positionValue.toDouble());

@@ -31,8 +31,7 @@ McpToolResult createEntity(Workspace &workspace, McpChangeLog &log, const QJsonO
         return McpToolResult::failure(u"An entity named '%1' already exists."_s.arg(name));
     const QJsonValue fieldsValue = arguments.value(u"fields"_s);
     if (!fieldsValue.isUndefined() && !fieldsValue.isNull() && !fieldsValue.isObject()) {
-        return McpToolResult::failure(
-            u"\"fields\" must be an object of field values by field label."_s);
+        return McpToolResult::failure(u"\"fields\" must be an object of values by field label."_s);
     }
 
     const core::CategoryTree &tree = project.categories();
@@ -51,6 +50,8 @@ McpToolResult createEntity(Workspace &workspace, McpChangeLog &log, const QJsonO
         const QString fieldName = it.key().trimmed();
         if (fieldName.isEmpty())
             continue;
+        // A built-in property is no custom field here either; the refusal points to
+        // update_entity, which sets it once the entity exists.
         if (isBuiltInProperty(fieldName))
             return McpToolResult::failure(builtInPropertyMessage(fieldName));
         QString value = argumentText(it.value());

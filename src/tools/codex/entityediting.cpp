@@ -294,9 +294,10 @@ private:
         const QJsonArray array = value.toArray();
         const bool allObjects = std::all_of(array.begin(), array.end(),
                                             [](const QJsonValue &v) { return v.isObject(); });
-        if (!value.isArray() || !allObjects)
+        if (!value.isArray() || !allObjects) {
             return makeError(
                 u"\"timed_values\" must be an array of {field, when, value} objects."_s);
+        }
         const QList<SchemaField> schema = targetSchema();
         QList<core::TimedValue> timedValues;
         for (const QJsonValue &element : array) {

@@ -187,17 +187,19 @@ McpToolResult mergeEntities(Workspace &workspace, McpChangeLog &log, const QJson
 McpToolResult splitEntity(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
 {
     const QString newName = trimmedArgument(arguments, u"new_name"_s);
-    if (newName.isEmpty())
+    if (newName.isEmpty()) {
         return McpToolResult::failure(
             u"split_entity needs \"new_name\" for the entity to carve off."_s);
+    }
     const Result<LocatedObject> located = findEntityToChange(
         workspace, arguments, u"source"_s, u"split_entity needs \"source\" (or \"source_id\")."_s);
     if (!located)
         return McpToolResult::failure(located.error());
     const auto *source = core::objectCast<core::Entity>(located->object);
-    if (!source)
+    if (!source) {
         return McpToolResult::failure(
             u"The split of '%1' could not be built."_s.arg(core::objectTitle(*located->object)));
+    }
     core::Project &project = workspace.project();
     if (entityNamed(project, newName)) {
         return McpToolResult::failure(

@@ -121,9 +121,8 @@ QString mentionLine(Workspace &workspace, const core::Entity &entity)
     QStringList titles;
     for (std::size_t i = 0; i < documents.size() && qsizetype(i) < listedMentions; ++i)
         titles.append(documents[i]->title());
-    if (qsizetype(documents.size()) > listedMentions)
-        titles.append(
-            u"+%1 more"_s.arg(QString::number(qsizetype(documents.size()) - listedMentions)));
+    if (const qsizetype more = qsizetype(documents.size()) - listedMentions; more > 0)
+        titles.append(u"+%1 more"_s.arg(QString::number(more)));
     return u"Mentioned in: %1."_s.arg(titles.join(u", "_s));
 }
 
@@ -146,6 +145,8 @@ McpToolResult getEntity(Workspace &workspace, const QJsonObject &arguments)
     // written in.
     const core::Project &owner = *located->project;
 
+    // Like the alias and tag lines, a line that would carry nothing (no date known, no image, no
+    // value, no mention) is left out, so that a sparse entity reads as short as it is.
     QStringList lines{u"# %1 (%2)"_s.arg(entity->name(), categoryName(owner, *entity))};
     if (located->isInLibrary())
         lines.append(u"From the mounted library '%1'."_s.arg(located->libraryName));
