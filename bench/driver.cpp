@@ -232,6 +232,23 @@ int main(int argc, char **argv)
                 return server.call(QStringLiteral("search"), {{QStringLiteral("query"), QStringLiteral("Alias %1").arg(200 + i)}});
             });
         }
+        if (tools.contains(QStringLiteral("get_entity"))) {
+            measure(QStringLiteral("\"get_entity\" (with mentions)"), runs, [&](int i) {
+                return server.call(QStringLiteral("get_entity"), {{QStringLiteral("name"), QStringLiteral("Entity %1").arg(100 + i)}});
+            });
+        }
+        measure(QStringLiteral("\"find_replace\" listing"), runs, [&](int) {
+            return server.call(QStringLiteral("find_replace"), {{QStringLiteral("find"), QStringLiteral("harbor")},
+                                                                {QStringLiteral("dry_run"), true}});
+        });
+        // Every scene holds the word, so each replacement rewrites the whole manuscript.
+        measure(QStringLiteral("\"find_replace\" across every document"), 4, [&](int i) {
+            const bool forth = i % 2 == 0;
+            return server.call(QStringLiteral("find_replace"),
+                               {{QStringLiteral("find"), forth ? QStringLiteral("harbor") : QStringLiteral("harbour")},
+                                {QStringLiteral("replace"), forth ? QStringLiteral("harbour") : QStringLiteral("harbor")},
+                                {QStringLiteral("whole_word"), true}});
+        });
         measure(QStringLiteral("\"append_to_document\" (folder)"), runs * 3, [&](int i) {
             return server.call(QStringLiteral("append_to_document"),
                                {{QStringLiteral("title"), QStringLiteral("Scene %1.%2").arg(i % 10 + 1).arg(i % 9 + 1)},

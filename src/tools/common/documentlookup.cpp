@@ -26,6 +26,21 @@ QString candidateLine(const core::Document &document)
 
 } // namespace
 
+bool isWithheldDocument(const core::Project &project, const core::Document &document)
+{
+    // The walk up the parents stops at the top, at a missing parent or after as many steps as
+    // there are objects, so damaged data cannot make it loop.
+    const core::Document *current = &document;
+    for (qsizetype steps = 0; current && steps <= project.objectCount(); ++steps) {
+        if (current->isAiExcluded())
+            return true;
+        if (current->parentId().isNull())
+            return false;
+        current = project.objectAs<core::Document>(current->parentId());
+    }
+    return false;
+}
+
 bool sameTitle(const QString &a, const QString &b)
 {
     return a.trimmed().compare(b.trimmed(), Qt::CaseInsensitive) == 0;
@@ -39,7 +54,7 @@ Result<core::Document *> resolveDocument(core::Project &project, const QString &
         core::Document *document = uuid.isNull() ? nullptr : project.objectAs<core::Document>(uuid);
         if (!document)
             return makeError(QStringLiteral("No document with id '%1' exists.").arg(id));
-        if (document->isAiExcluded())
+        if (isWithheldDocument(project, *document))
             return makeError(excludedMessage(document->title()));
         return document;
     }
@@ -52,7 +67,7 @@ Result<core::Document *> resolveDocument(core::Project &project, const QString &
     for (core::Document *document : project.objectsOfType<core::Document>()) {
         if (document->title().trimmed().toLower() != key)
             continue;
-        if (document->isAiExcluded())
+        if (isWithheldDocument(project, *document))
             sawExcluded = true;
         else
             candidates.push_back(document);

@@ -63,6 +63,28 @@ QString libraryNamed(Workspace &workspace, core::ObjectType type, const QString 
     return {};
 }
 
+struct TitleMatches
+{
+    std::vector<core::ContentObject *> kept;
+    // An AI-excluded object had the title; it is never kept.
+    bool sawExcluded = false;
+};
+
+// The open project's objects of one type whose title matches, in the project's order.
+TitleMatches openProjectTitleMatches(Workspace &workspace, core::ObjectType type, const QString &key)
+{
+    TitleMatches matches;
+    for (core::ContentObject *object : workspace.project().objectsOfType(type)) {
+        if (!titleMatches(*object, key))
+            continue;
+        if (object->isAiExcluded())
+            matches.sawExcluded = true;
+        else
+            matches.kept.push_back(object);
+    }
+    return matches;
+}
+
 QString planningCandidate(const core::ContentObject &object)
 {
     if (const auto *task = core::objectCast<core::Task>(&object)) {
@@ -176,16 +198,7 @@ Result<core::ContentObject *> findByTitle(Workspace &workspace, core::ObjectType
                                           bool forChange, bool lookInLibraries)
 {
     const QString key = foldedName(title);
-    std::vector<core::ContentObject *> kept;
-    bool sawExcluded = false;
-    for (core::ContentObject *object : workspace.project().objectsOfType(type)) {
-        if (!titleMatches(*object, key))
-            continue;
-        if (object->isAiExcluded())
-            sawExcluded = true;
-        else
-            kept.push_back(object);
-    }
+    const auto [kept, sawExcluded] = openProjectTitleMatches(workspace, type, key);
     if (kept.size() == 1)
         return kept.front();
     if (kept.size() > 1) {
@@ -211,16 +224,7 @@ Result<core::ContentObject *> findPlanningObject(Workspace &workspace, core::Obj
                                                  bool forChange)
 {
     const QString key = foldedName(title);
-    std::vector<core::ContentObject *> kept;
-    bool sawExcluded = false;
-    for (core::ContentObject *object : workspace.project().objectsOfType(type)) {
-        if (!titleMatches(*object, key))
-            continue;
-        if (object->isAiExcluded())
-            sawExcluded = true;
-        else
-            kept.push_back(object);
-    }
+    const auto [kept, sawExcluded] = openProjectTitleMatches(workspace, type, key);
     if (kept.size() == 1)
         return kept.front();
     if (kept.size() > 1) {

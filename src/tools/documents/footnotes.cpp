@@ -64,6 +64,33 @@ QString generatedNoteId(const QList<core::Footnote> &notes)
     }
 }
 
+// The definition a call names by "footnote_id", with the document's whole list of notes.
+struct AddressedNote
+{
+    core::Document *document = nullptr;
+    QList<core::Footnote> notes;
+    qsizetype index = -1;
+    QString id;
+};
+
+Result<AddressedNote> resolveNote(Workspace &workspace, const QJsonObject &arguments,
+                                  const QString &tool)
+{
+    const Result<core::Document *> resolved = resolveDocument(workspace.project(), arguments);
+    if (!resolved)
+        return Error{resolved.error()};
+    AddressedNote note{*resolved, (*resolved)->footnotes(), -1,
+                       trimmedArgument(arguments, QStringLiteral("footnote_id"))};
+    if (note.id.isEmpty())
+        return makeError(QStringLiteral("%1 needs \"footnote_id\" (the footnote's id).").arg(tool));
+    note.index = indexOfNote(note.notes, note.id);
+    if (note.index < 0) {
+        return makeError(QStringLiteral("No footnote [^%1] is defined in '%2'.")
+                             .arg(note.id, note.document->title()));
+    }
+    return note;
+}
+
 McpToolResult applyNotes(Workspace &workspace, McpChangeLog &log, const QString &tool,
                          core::Document &document, const QList<core::Footnote> &notes,
                          const QString &text)
@@ -136,22 +163,10 @@ McpToolResult addFootnote(Workspace &workspace, McpChangeLog &log, const QJsonOb
 
 McpToolResult updateFootnote(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
 {
-    const Result<core::Document *> resolved = resolveDocument(workspace.project(), arguments);
-    if (!resolved)
-        return McpToolResult::failure(resolved.error());
-    core::Document &document = **resolved;
-
-    const QString id = trimmedArgument(arguments, QStringLiteral("footnote_id"));
-    if (id.isEmpty()) {
-        return McpToolResult::failure(
-            QStringLiteral("update_footnote needs \"footnote_id\" (the footnote's id)."));
-    }
-    QList<core::Footnote> notes = document.footnotes();
-    const qsizetype index = indexOfNote(notes, id);
-    if (index < 0) {
-        return McpToolResult::failure(
-            QStringLiteral("No footnote [^%1] is defined in '%2'.").arg(id, document.title()));
-    }
+    Result<AddressedNote> addressed =
+        resolveNote(workspace, arguments, QStringLiteral("update_footnote"));
+    if (!addressed)
+        return McpToolResult::failure(addressed.error());
     const bool hasText = hasArgument(arguments, QStringLiteral("text"));
     const QString text = trimmedArgument(arguments, QStringLiteral("text"));
     if (hasText && text.isEmpty())
@@ -162,41 +177,32 @@ McpToolResult updateFootnote(Workspace &workspace, McpChangeLog &log, const QJso
             QStringLiteral("update_footnote changes nothing; provide \"text\" and/or \"endnote\"."));
     }
 
-    core::Footnote &note = notes[index];
+    core::Footnote &note = addressed->notes[addressed->index];
     if (hasText)
         note.text = text;
     if (hasEndnote)
         note.endnote = boolArgument(arguments, QStringLiteral("endnote"), note.endnote);
-    return applyNotes(workspace, log, QStringLiteral("update_footnote"), document, notes,
-                      QStringLiteral("Updated footnote [^%1].").arg(id));
+    return applyNotes(workspace, log, QStringLiteral("update_footnote"), *addressed->document,
+                      addressed->notes, QStringLiteral("Updated footnote [^%1].").arg(addressed->id));
 }
 
 McpToolResult removeFootnote(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
 {
-    const Result<core::Document *> resolved = resolveDocument(workspace.project(), arguments);
-    if (!resolved)
-        return McpToolResult::failure(resolved.error());
-    core::Document &document = **resolved;
-
-    const QString id = trimmedArgument(arguments, QStringLiteral("footnote_id"));
-    if (id.isEmpty()) {
-        return McpToolResult::failure(
-            QStringLiteral("remove_footnote needs \"footnote_id\" (the footnote's id)."));
-    }
-    QList<core::Footnote> notes = document.footnotes();
-    const qsizetype index = indexOfNote(notes, id);
-    if (index < 0) {
-        return McpToolResult::failure(
-            QStringLiteral("No footnote [^%1] is defined in '%2'.").arg(id, document.title()));
-    }
-    notes.removeAt(index);
+    Result<AddressedNote> addressed =
+        resolveNote(workspace, arguments, QStringLiteral("remove_footnote"));
+    if (!addressed)
+        return McpToolResult::failure(addressed.error());
+    const QString &id = addressed->id;
+    addressed->notes.removeAt(addressed->index);
     QString reply = QStringLiteral("Removed footnote [^%1].").arg(id);
-    if (document.body().contains(marker(id))) {
+    // The body is never edited here; a marker left behind is pointed out instead.
+    if (addressed->document->body().contains(marker(id))) {
         reply += QStringLiteral(" The body still has a [^%1] marker -- remove it from the prose too "
                                 "so it is not left dangling.")
                      .arg(id);
     }
-    return applyNotes(workspace, log, QStringLiteral("remove_footnote"), document, notes, reply);
+    return applyNotes(workspace, log, QStringLiteral("remove_footnote"), *addressed->document,
+                      addressed->notes, reply);
 }
 
 } // namespace fb::app

@@ -68,6 +68,11 @@ TEST_F(ReadingTools, ExplainsWhyADocumentCannotBeResolved)
          QStringLiteral("'private journal' is excluded from AI.")},
         {{{QStringLiteral("id"), QStringLiteral("6f1c0a52-0000-4000-8000-000000000007")}},
          QStringLiteral("'Private Journal' is excluded from AI.")},
+        // A scene below an excluded document is withheld with it.
+        {{{QStringLiteral("title"), QStringLiteral("secret scene")}},
+         QStringLiteral("'secret scene' is excluded from AI.")},
+        {{{QStringLiteral("id"), QStringLiteral("6f1c0a52-0000-4000-8000-000000000008")}},
+         QStringLiteral("'Secret Scene' is excluded from AI.")},
         {{{QStringLiteral("id"), QStringLiteral("not-a-uuid")}, {QStringLiteral("title"), QStringLiteral("Dust")}},
          QStringLiteral("No document with id 'not-a-uuid' exists.")},
         {{{QStringLiteral("id"), QStringLiteral("{6f1c0a52-0000-4000-8000-0000000000ff}")}},
