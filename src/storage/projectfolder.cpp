@@ -2,6 +2,7 @@
 
 #include "core/contentobjects.h"
 #include "core/project.h"
+#include "storage/atomicfilebatch.h"
 #include "storage/categorycodec.h"
 #include "storage/jsonfile.h"
 #include "storage/objectcodec.h"
@@ -151,49 +152,58 @@ QByteArray digestOf(const QByteArray &bytes)
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha1);
 }
 
-// Writes one file unless the record shows that its item, or its bytes, did not change.
-template<typename Serialise>
-Result<void> writeIfChanged(const QString &folder, const QString &relativePath, quint64 revision,
-                            FileRecord &record, bool recorded, Serialise serialise,
-                            FolderWriteReport &report)
+// A file the write will commit, with what its record becomes once it is on disk.
+struct PendingFile
 {
-    if (recorded && record.revision == revision)
-        return {};
-    const QByteArray bytes = jsonFileBytes(serialise());
+    QString relativePath;
+    QByteArray bytes;
+    FileRecord record;
+    QHash<QUuid, FileRecord> *records;
+    QUuid id;
+};
+
+// Decides whether one item's file must be written: not when the record shows that the item,
+// or the bytes it serialises to, did not change since they were last on disk.
+template<typename Serialise>
+std::optional<std::pair<QByteArray, QByteArray>> changedBytes(quint64 revision, FileRecord *record,
+                                                              Serialise serialise)
+{
+    if (record && record->revision == revision)
+        return std::nullopt;
+    QByteArray bytes = jsonFileBytes(serialise());
     QByteArray digest = digestOf(bytes);
-    if (!(recorded && record.digest == digest)) {
-        const Result<void> written = writeFileAtomically(folder + u'/' + relativePath, bytes);
-        if (!written)
-            return written;
-        report.written.insert(relativePath, bytes);
+    if (record && record->digest == digest) {
+        record->revision = revision;
+        return std::nullopt;
     }
-    record = FileRecord{revision, std::move(digest)};
-    return {};
+    return std::make_pair(std::move(bytes), std::move(digest));
 }
 
-// Writes the files of one folder ("objects" or "taxonomy") and removes those of items that left
-// the model. Items need id() and revision(); isPresent tells whether an id is still in the model.
-template<typename Item, typename Serialise, typename IsPresent>
-Result<void> writeItems(const QString &folder, const QString &subfolder,
-                        const std::vector<const Item *> &items, QHash<QUuid, FileRecord> &records,
-                        bool complete, Serialise serialise, IsPresent isPresent,
-                        FolderWriteReport &report)
+// Collects the files of one folder ("objects" or "taxonomy") whose items changed. Items need
+// id() and revision().
+template<typename Item, typename Serialise>
+void collectChangedItems(const QString &subfolder, const std::vector<const Item *> &items,
+                         QHash<QUuid, FileRecord> &records, Serialise serialise,
+                         std::vector<PendingFile> &pending)
 {
     for (const Item *item : items) {
         const auto found = records.find(item->id());
-        const bool recorded = found != records.end();
-        FileRecord fresh;
-        FileRecord &record = recorded ? *found : fresh;
-        const Result<void> written =
-            writeIfChanged(folder, subfolder + u'/' + fileNameOf(item->id()), item->revision(),
-                           record, recorded, [&] { return serialise(*item); }, report);
-        if (!written)
-            return written;
-        if (!recorded)
-            records.insert(item->id(), fresh);
+        FileRecord *record = found != records.end() ? &*found : nullptr;
+        auto changed = changedBytes(item->revision(), record, [&] { return serialise(*item); });
+        if (!changed)
+            continue;
+        pending.push_back({subfolder + u'/' + fileNameOf(item->id()), std::move(changed->first),
+                           FileRecord{item->revision(), std::move(changed->second)}, &records,
+                           item->id()});
     }
+}
 
-    const QString directory = folder + u'/' + subfolder;
+// Removes the files of items that left the model. isPresent tells whether an id is still in it.
+template<typename Item, typename IsPresent>
+void sweepItems(const QString &folder, const QString &subfolder,
+                const std::vector<const Item *> &items, QHash<QUuid, FileRecord> &records,
+                bool complete, IsPresent isPresent, FolderWriteReport &report)
+{
     const auto remove = [&](const QString &name) {
         const QString relativePath = subfolder + u'/' + name;
         QFile file(folder + u'/' + relativePath);
@@ -208,7 +218,7 @@ Result<void> writeItems(const QString &folder, const QString &subfolder,
     if (complete) {
         // Every item now has a record, so surplus records are exactly the items that left.
         if (records.size() == qsizetype(items.size()))
-            return {};
+            return;
         for (auto it = records.begin(); it != records.end();) {
             // A file that cannot be removed keeps its record and is tried again next time.
             if (!isPresent(it.key()) && remove(fileNameOf(it.key())))
@@ -216,16 +226,35 @@ Result<void> writeItems(const QString &folder, const QString &subfolder,
             else
                 ++it;
         }
-        return {};
+        return;
     }
 
     QSet<QString> kept;
     kept.reserve(qsizetype(items.size()));
     for (const Item *item : items)
         kept.insert(fileNameOf(item->id()));
-    for (const QString &name : storedFileNames(directory)) {
+    for (const QString &name : storedFileNames(folder + u'/' + subfolder)) {
         if (!kept.contains(name))
             remove(name);
+    }
+}
+
+// Commits the pending files in one batch and only then records them as on disk.
+Result<void> commitPending(const QString &folder, std::vector<PendingFile> &pending,
+                           FolderWriteReport &report)
+{
+    AtomicFileBatch batch;
+    for (const PendingFile &file : pending) {
+        if (const Result<void> staged = batch.stage(folder + u'/' + file.relativePath, file.bytes);
+            !staged) {
+            return staged;
+        }
+    }
+    if (const Result<void> committed = batch.commit(); !committed)
+        return committed;
+    for (PendingFile &file : pending) {
+        file.records->insert(file.id, std::move(file.record));
+        report.written.insert(file.relativePath, std::move(file.bytes));
     }
     return {};
 }
@@ -270,31 +299,42 @@ Result<FolderWriteReport> ProjectFolderWriter::write(const QString &folder,
     if (!root.mkpath(objectsFolderName))
         return makeError(u"Cannot create project folder: %1"_s.arg(
             native(root.filePath(objectsFolderName))));
-    const Result<void> objects = writeItems(
-        folder, objectsFolderName, project.objects(), m_state->objects, m_state->complete,
-        [](const core::ContentObject &object) { return objectToJson(object); },
-        [&](const QUuid &id) { return project.contains(id); }, report);
-    if (!objects)
-        return makeError(objects.error());
-
     if (!root.mkpath(taxonomyFolderName))
         return makeError(u"Cannot create taxonomy folder: %1"_s.arg(
             native(root.filePath(taxonomyFolderName))));
-    const core::CategoryTree &tree = project.categories();
-    const Result<void> categories = writeItems(
-        folder, taxonomyFolderName, tree.all(), m_state->categories, m_state->complete,
-        [](const core::Category &category) { return categoryToJson(category); },
-        [&](const QUuid &id) { return tree.contains(id); }, report);
-    if (!categories)
-        return makeError(categories.error());
 
-    FileRecord settings = m_state->settings.value_or(FileRecord());
-    const Result<void> written = writeIfChanged(
-        folder, projectFileName, project.settingsRevision(), settings,
-        m_state->settings.has_value(), [&] { return projectSettingsToJson(project); }, report);
-    if (!written)
-        return makeError(written.error());
-    m_state->settings = settings;
+    // Object and category files go to disk together; the project file follows them, last.
+    const core::CategoryTree &tree = project.categories();
+    const std::vector<const core::ContentObject *> objects = project.objects();
+    const std::vector<const core::Category *> categories = tree.all();
+    std::vector<PendingFile> pending;
+    collectChangedItems(objectsFolderName, objects, m_state->objects,
+                        [](const core::ContentObject &object) { return objectToJson(object); },
+                        pending);
+    collectChangedItems(taxonomyFolderName, categories, m_state->categories,
+                        [](const core::Category &category) { return categoryToJson(category); },
+                        pending);
+    if (const Result<void> committed = commitPending(folder, pending, report); !committed) {
+        // Some files may have been replaced before the failure: start afresh next time.
+        forget();
+        return makeError(committed.error());
+    }
+    sweepItems(folder, objectsFolderName, objects, m_state->objects, m_state->complete,
+               [&](const QUuid &id) { return project.contains(id); }, report);
+    sweepItems(folder, taxonomyFolderName, categories, m_state->categories, m_state->complete,
+               [&](const QUuid &id) { return tree.contains(id); }, report);
+
+    FileRecord *settingsRecord = m_state->settings ? &*m_state->settings : nullptr;
+    if (auto changed = changedBytes(project.settingsRevision(), settingsRecord,
+                                    [&] { return projectSettingsToJson(project); })) {
+        if (const Result<void> written = writeFileAtomically(folder + u'/' + projectFileName,
+                                                             changed->first);
+            !written) {
+            return makeError(written.error());
+        }
+        report.written.insert(projectFileName, changed->first);
+        m_state->settings = FileRecord{project.settingsRevision(), std::move(changed->second)};
+    }
 
     m_state->complete = true;
     return report;

@@ -2,6 +2,7 @@
 
 #include "core/commands/undohistory.h"
 #include "core/project.h"
+#include "storage/atomicfilebatch.h"
 #include "storage/backup.h"
 #include "storage/folderarchive.h"
 #include "storage/folderimage.h"
@@ -123,6 +124,7 @@ Result<void> Workspace::loadFromFolder()
 
 Result<std::unique_ptr<core::Project>> Workspace::readSnapshotted()
 {
+    removeAbandonedTemporaries(m_folder);
     // The snapshot of what is on disk comes from the same reading as the model, so the project
     // is read once.
     m_snapshot->beginTake(m_folder);
@@ -199,6 +201,10 @@ Result<std::unique_ptr<Workspace>> Workspace::openBundle(const QString &bundlePa
         QDir(paths.workingCopiesFolder).filePath(copyName + QStringLiteral(".json"));
     const QString &folder = workspace->m_folder;
 
+    // A save interrupted before its renames leaves temporary files that are no part of the
+    // project; they must not make the working copy look edited.
+    if (QFileInfo(folder).isDir())
+        removeAbandonedTemporaries(folder);
     WorkingCopy copy = classifyWorkingCopy(folder, *bytes);
     const bool bundleUnchanged = markerBundleHash(workspace->m_markerPath) == sha256Hex(*bytes);
     QByteArray bundleOnDisk = *bytes;

@@ -1,5 +1,8 @@
 #include "tools/common/bodytext.h"
 
+#include "core/document.h"
+
+#include <QHash>
 #include <QRegularExpression>
 
 namespace fb::app {
@@ -49,6 +52,22 @@ int countWords(const QString &text)
 int wordCount(const QString &body)
 {
     return countWords(plainText(body));
+}
+
+int documentWordCount(const core::Document &document)
+{
+    // Revisions are unique across every object and every state, so a revision alone names one
+    // body. The server runs on one thread; the cache is forgotten whole when it grows large.
+    static QHash<quint64, int> counts;
+    constexpr qsizetype largestCache = 200000;
+    const auto known = counts.constFind(document.revision());
+    if (known != counts.constEnd())
+        return *known;
+    if (counts.size() >= largestCache)
+        counts.clear();
+    const int words = wordCount(document.body());
+    counts.insert(document.revision(), words);
+    return words;
 }
 
 } // namespace fb::app

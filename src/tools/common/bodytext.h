@@ -2,6 +2,10 @@
 
 #include <QString>
 
+namespace fb::core {
+class Document;
+}
+
 namespace fb::app {
 
 // The text rules every family applies to document bodies: a body is rich-text HTML when its
@@ -15,6 +19,10 @@ QString plainText(const QString &body);
 // The number of maximal runs of non-whitespace characters in the body's plain text. Markup is
 // counted as it stands: "# Title" is two words, everywhere the count is shown.
 int wordCount(const QString &body);
+
+// The word count of a document's body, remembered per revision of the document: listing the
+// manuscript of a novel would otherwise count a million words on every call.
+int documentWordCount(const core::Document &document);
 
 // The same count over text that is already plain.
 int countWords(const QString &text);

@@ -21,7 +21,7 @@ QString candidateLine(const core::Document &document)
 {
     return QStringLiteral("- %1 (%2, %3 words)")
         .arg(core::idText(document.id()), core::enumName(document.kind()),
-             QString::number(wordCount(document.body())));
+             QString::number(documentWordCount(document)));
 }
 
 } // namespace

@@ -17,7 +17,7 @@ McpToolResult getManuscriptTree(Workspace &workspace)
     qint64 words = 0;
     const std::vector<ManuscriptEntry> entries = visibleManuscript(workspace.project());
     for (const ManuscriptEntry &entry : entries) {
-        const int count = wordCount(entry.document->body());
+        const int count = documentWordCount(*entry.document);
         lines.append(QStringLiteral("%1- %2 (%3, %4 words)")
                          .arg(QString(entry.depth * 2, u' '), entry.document->title(),
                               core::enumName(entry.document->kind()), QString::number(count)));
@@ -46,7 +46,7 @@ McpToolResult getDocument(Workspace &workspace, const QJsonObject &arguments)
         lines.append(QStringLiteral("- Point of view: %1").arg(document.pointOfView()));
     if (!document.synopsis().isEmpty())
         lines.append(QStringLiteral("- Synopsis: %1").arg(document.synopsis()));
-    const int words = wordCount(document.body());
+    const int words = documentWordCount(document);
     if (document.wordCountTarget() < 1)
         lines.append(QStringLiteral("- Words: %1").arg(words));
     else
