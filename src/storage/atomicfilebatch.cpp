@@ -1,6 +1,7 @@
 #include "storage/atomicfilebatch.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QSet>
@@ -94,11 +95,14 @@ void removeAbandonedTemporaries(const QString &folder)
     const QDir root(folder);
     for (const QString &child : root.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
         folders.append(root.filePath(child));
+    // Listed without a name filter: QDir's wildcard matching costs more than the whole check
+    // in a folder of thousands of objects.
     for (const QString &path : std::as_const(folders)) {
-        const QDir dir(path);
-        for (const QString &name : dir.entryList({QStringLiteral("*.saving")}, QDir::Files)) {
-            if (!isRunning(stagingProcess(name)))
-                QFile::remove(dir.filePath(name));
+        QDirIterator it(path, QDir::Files);
+        while (it.hasNext()) {
+            it.next();
+            if (it.fileName().endsWith(temporarySuffix) && !isRunning(stagingProcess(it.fileName())))
+                QFile::remove(it.filePath());
         }
     }
 }

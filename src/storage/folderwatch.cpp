@@ -1,6 +1,7 @@
 #include "storage/folderwatch.h"
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 
 #ifdef Q_OS_LINUX
@@ -74,9 +75,13 @@ void FolderWatch::watchTree(const QString &folder, const QString &relative)
         return;
     }
     m_folders.insert(wd, relative);
-    const QDir dir(folder);
-    for (const QString &child : dir.entryList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden | QDir::NoSymLinks))
-        watchTree(dir.filePath(child), relative + child + u'/');
+    // The subfolders, found without QDir::entryList, which would sort and examine each of the
+    // thousands of object files.
+    QDirIterator it(folder, QDir::Dirs | QDir::NoDotAndDotDot | QDir::Hidden | QDir::NoSymLinks);
+    while (it.hasNext()) {
+        it.next();
+        watchTree(it.filePath(), relative + it.fileName() + u'/');
+    }
 }
 
 FolderWatch::Changes FolderWatch::takeChanges()
