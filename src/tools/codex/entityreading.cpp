@@ -145,8 +145,9 @@ McpToolResult getEntity(Workspace &workspace, const QJsonObject &arguments)
     // written in.
     const core::Project &owner = *located->project;
 
-    // Like the alias and tag lines, a line that would carry nothing (no date known, no image, no
-    // value, no mention) is left out, so that a sparse entity reads as short as it is.
+    // The lifespan and gallery lines always stand, saying "unknown" and 0 when there is nothing,
+    // as the alias and tag lines do not; the lists under a heading (fields, state over time,
+    // mentions) are left out with their heading when they would be empty.
     QStringList lines{u"# %1 (%2)"_s.arg(entity->name(), categoryName(owner, *entity))};
     if (located->isInLibrary())
         lines.append(u"From the mounted library '%1'."_s.arg(located->libraryName));
@@ -154,15 +155,12 @@ McpToolResult getEntity(Workspace &workspace, const QJsonObject &arguments)
         lines.append(u"Aliases: %1"_s.arg(entity->aliases().join(u", "_s)));
     if (!entity->tags().isEmpty())
         lines.append(u"Tags: %1"_s.arg(entity->tags().join(u", "_s)));
-    if (entity->birthInstant() || entity->deathInstant()) {
-        const auto date = [&](std::optional<qint64> instant) {
-            return instant ? core::formatInstant(owner.calendar(), *instant) : u"unknown"_s;
-        };
-        lines.append(u"Lifespan: %1 -- %2"_s.arg(date(entity->birthInstant()),
-                                                 date(entity->deathInstant())));
-    }
-    if (!entity->gallery().isEmpty())
-        lines.append(u"Gallery: %1 image(s)"_s.arg(QString::number(entity->gallery().size())));
+    const auto date = [&](std::optional<qint64> instant) {
+        return instant ? core::formatInstant(owner.calendar(), *instant) : u"unknown"_s;
+    };
+    lines.append(u"Lifespan: %1 -- %2"_s.arg(date(entity->birthInstant()),
+                                             date(entity->deathInstant())));
+    lines.append(u"Gallery: %1 image(s)"_s.arg(QString::number(entity->gallery().size())));
     if (const QStringList fields = fieldLines(workspace, owner, *entity); !fields.isEmpty())
         lines += QStringList{u"Fields:"_s} + fields;
     if (const QStringList timed = timedValueLines(owner, *entity); !timed.isEmpty())

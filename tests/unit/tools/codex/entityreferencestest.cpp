@@ -153,7 +153,7 @@ TEST_F(EntityReferences, SplitCopiesTheChosenFieldsAndLeavesTheSource)
               "Divide the references between the two by hand."_s);
     EXPECT_EQ(ok("get_entity", R"({"name": "young mara"})"),
               u"# Young Mara (Characters)\nLifespan: 3 Seedmoon, Year 1224 AR -- unknown\n"
-              "Fields:\n- Summary: A ferry pilot who smuggles letters.\n- Role: Smuggler\n"
+              "Gallery: 0 image(s)\nFields:\n- Summary: A ferry pilot who smuggles letters.\n- Role: Smuggler\n"
               "- Home: Saltmere"_s);
     // Without dates to copy there is no lifespan to report.
     EXPECT_EQ(ok("split_entity", R"({"source_id": "e0de0000-0000-4000-8000-000000000006",
@@ -187,7 +187,8 @@ TEST_F(EntityReferences, MentionsAreCappedAfterTenDocuments)
            {{u"title"_s, u"Scene %1"_s.arg(i)}, {u"body"_s, u"Harbour Watch patrols again."_s}});
     }
     EXPECT_EQ(ok("get_entity", R"({"name": "Harbour Watch"})"),
-              u"# Harbour Watch (Factions)\nFields:\n- Summary: The city guard of Saltmere.\n"
+              u"# Harbour Watch (Factions)\nLifespan: unknown -- unknown\nGallery: 0 image(s)\n"
+              "Fields:\n- Summary: The city guard of Saltmere.\n"
               "Mentioned in: Scene 1, Scene 2, Scene 3, Scene 4, Scene 5, Scene 6, Scene 7, "
               "Scene 8, Scene 9, Scene 10, +2 more."_s);
 }

@@ -33,15 +33,18 @@ TEST_F(EntityTools, ShowAnEntityInFull)
         // The id wins over the name; a rich-text non-breaking space still separates words.
         {R"({"id": "{E0DE0000-0000-4000-8000-000000000002}", "name": "ignored"})",
          u"# Tobin Ash (Characters)\nAliases: Old Tobin\n"
-         "Lifespan: 1 Frostmoon, Year 1190 AR -- 12 Darkmoon, Year 1251 AR\nFields:\n"
+         "Lifespan: 1 Frostmoon, Year 1190 AR -- 12 Darkmoon, Year 1251 AR\nGallery: 0 image(s)\n"
+         "Fields:\n"
          "- Summary: Mara's teacher, a retired captain.\n- Role: Captain\n- Home: Saltmere\n"
          "Mentioned in: Chapter One, Chapter Three."_s},
         {R"({"name": "Tide Song"})",
-         u"# Tide Song (uncategorized)\nFields:\n- summary: A tune every sailor hums."_s},
+         u"# Tide Song (uncategorized)\nLifespan: unknown -- unknown\nGallery: 0 image(s)\n"
+         "Fields:\n- summary: A tune every sailor hums."_s},
         // A library entity is shown with its library, and mentioned in the open project.
         {R"({"name": "drowned one"})",
          u"# The Drowned God (Deities)\nFrom the mounted library 'World Lore'.\n"
-         "Aliases: Drowned One\nLifespan: 1 Frostmoon, Year 1 AR -- unknown\nFields:\n"
+         "Aliases: Drowned One\nLifespan: 1 Frostmoon, Year 1 AR -- unknown\nGallery: 0 image(s)\n"
+         "Fields:\n"
          "- Summary: God of the sea floor.\n- Domain: Shipwrecks\nMentioned in: Notes."_s},
     };
     for (const auto &c : sheets) {
@@ -78,7 +81,8 @@ TEST_F(EntityTools, CreateAnEntityWithItsFields)
                                                  "Ship": " The Gull ", "Age": 51, "Home": ""}})"),
               u"Created entity 'Captain Vey' (Characters) with 5 field(s)."_s);
     EXPECT_EQ(ok("get_entity", R"({"name": "Captain Vey"})"),
-              u"# Captain Vey (Characters)\nFields:\n- Summary: A rival captain.\n- Age: 51\n"
+              u"# Captain Vey (Characters)\nLifespan: unknown -- unknown\nGallery: 0 image(s)\n"
+              "Fields:\n- Summary: A rival captain.\n- Age: 51\n"
               "- Role: Captain\n- Mentor: Tobin Ash\n- Ship: The Gull"_s);
     EXPECT_EQ(category(u"Characters"_s)->fields().last().type, fb::core::FieldType::Text);
     EXPECT_EQ(ok("create_entity", R"({"name": "Gull", "category": "Ships",
@@ -273,7 +277,8 @@ TEST_F(EntityTools, IncludeAnExcludedObjectAgain)
         EXPECT_EQ(ok("set_ai_exclusion", step.arguments), step.message);
     }
     EXPECT_EQ(ok("get_entity", R"({"name": "Veiled Sister"})"),
-              u"# Veiled Sister (Characters)\nFields:\n- Summary: Secret."_s);
+              u"# Veiled Sister (Characters)\nLifespan: unknown -- unknown\nGallery: 0 image(s)\n"
+              "Fields:\n- Summary: Secret."_s);
     // The excluded chapter no longer counts as a mention of Pell.
     EXPECT_TRUE(ok("get_entity", R"({"name": "Pell"})").endsWith(u"\n- Mentor: The Smuggler"));
     EXPECT_EQ(fails("set_ai_exclusion", R"({"name": "Pell", "excluded": "yes"})"),
