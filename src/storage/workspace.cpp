@@ -125,6 +125,10 @@ Result<void> Workspace::loadFromFolder()
 Result<std::unique_ptr<core::Project>> Workspace::readSnapshotted()
 {
     removeAbandonedTemporaries(m_folder);
+    // A bundle's outside changes show on the bundle file itself; only a folder project needs
+    // its files watched.
+    if (!m_bundlePath.isEmpty())
+        return readProjectFolder(m_folder);
     // The snapshot of what is on disk comes from the same reading as the model, so the project
     // is read once.
     m_snapshot->beginTake(m_folder);
@@ -285,7 +289,8 @@ Result<void> Workspace::save()
     const Result<FolderWriteReport> written = m_writer->write(m_folder, *m_project);
     if (!written)
         return makeError(written.error());
-    m_snapshot->update(m_folder, *written);
+    if (m_bundlePath.isEmpty())
+        m_snapshot->update(m_folder, *written);
     if (!m_bundlePath.isEmpty()) {
         if (const Result<void> bundled = writeBundle(*written); !bundled)
             return bundled;
