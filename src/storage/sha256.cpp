@@ -3,6 +3,7 @@
 #include <QCryptographicHash>
 #include <QtEndian>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -106,31 +107,6 @@ FB_SHA256_TARGET void compressBlocks(State &state, const char *blocks, qsizetype
 
 #undef FB_SHA256_TARGET
 
-QByteArray instructionSha256(QByteArrayView data)
-{
-    State state = kInitialState;
-    const qsizetype fullBlocks = data.size() / kBlockSize;
-    if (fullBlocks > 0)
-        compressBlocks(state, data.data(), fullBlocks);
-
-    // The rest of the message, a single 1 bit, zeros, and the message length in bits as a
-    // 64-bit big-endian number: one block, or two when the length no longer fits after the
-    // rest and the 1 bit.
-    std::array<char, 2 * kBlockSize> last{};
-    const qsizetype rest = data.size() - fullBlocks * kBlockSize;
-    if (rest > 0)
-        std::memcpy(last.data(), data.data() + fullBlocks * kBlockSize, size_t(rest));
-    last[size_t(rest)] = char(0x80);
-    const qsizetype lastBlocks = rest + 1 + 8 <= kBlockSize ? 1 : 2;
-    qToBigEndian(quint64(data.size()) * 8, last.data() + lastBlocks * kBlockSize - 8);
-    compressBlocks(state, last.data(), lastBlocks);
-
-    QByteArray digest(qsizetype(state.size() * 4), Qt::Uninitialized);
-    for (size_t i = 0; i < state.size(); ++i)
-        qToBigEndian(state[i], digest.data() + 4 * i);
-    return digest;
-}
-
 // Asks the processor directly rather than through the compiler's feature builtin, which not
 // every supported compiler knows the SHA extensions by.
 bool detectShaInstructions()
@@ -165,13 +141,93 @@ QByteArray portableSha256(QByteArrayView data)
     return QCryptographicHash::hash(data, QCryptographicHash::Sha256);
 }
 
+Sha256::Sha256()
+{
+    reset();
+}
+
+Sha256::~Sha256() = default;
+
+void Sha256::reset()
+{
+    m_blockFill = 0;
+    m_length = 0;
+#ifdef FB_SHA256_X86
+    if (sha256UsesCpuInstructions()) {
+        m_state = kInitialState;
+        return;
+    }
+#endif
+    if (!m_portable)
+        m_portable = std::make_unique<QCryptographicHash>(QCryptographicHash::Sha256);
+    m_portable->reset();
+}
+
+void Sha256::addData(QByteArrayView data)
+{
+    if (data.isEmpty())
+        return;
+    if (m_portable) {
+        m_portable->addData(data);
+        return;
+    }
+#ifdef FB_SHA256_X86
+    m_length += quint64(data.size());
+    const char *next = data.data();
+    qsizetype left = data.size();
+    if (m_blockFill > 0) {
+        const qsizetype taken = std::min(left, kBlockSize - m_blockFill);
+        std::memcpy(m_block.data() + m_blockFill, next, size_t(taken));
+        m_blockFill += taken;
+        next += taken;
+        left -= taken;
+        if (m_blockFill < kBlockSize)
+            return;
+        compressBlocks(m_state, m_block.data(), 1);
+        m_blockFill = 0;
+    }
+    // Whole blocks are compressed where they lie; only the rest is copied.
+    const qsizetype fullBlocks = left / kBlockSize;
+    if (fullBlocks > 0)
+        compressBlocks(m_state, next, fullBlocks);
+    m_blockFill = left - fullBlocks * kBlockSize;
+    if (m_blockFill > 0)
+        std::memcpy(m_block.data(), next + fullBlocks * kBlockSize, size_t(m_blockFill));
+#endif
+}
+
+QByteArray Sha256::result()
+{
+    if (m_portable) {
+        const QByteArray digest = m_portable->result();
+        reset();
+        return digest;
+    }
+    QByteArray digest;
+#ifdef FB_SHA256_X86
+    // The rest of the message, a single 1 bit, zeros, and the message length in bits as a
+    // 64-bit big-endian number: one block, or two when the length no longer fits after the
+    // rest and the 1 bit.
+    std::array<char, 2 * kBlockSize> last{};
+    std::memcpy(last.data(), m_block.data(), size_t(m_blockFill));
+    last[size_t(m_blockFill)] = char(0x80);
+    const qsizetype lastBlocks = m_blockFill + 1 + 8 <= kBlockSize ? 1 : 2;
+    qToBigEndian(m_length * 8, last.data() + lastBlocks * kBlockSize - 8);
+    compressBlocks(m_state, last.data(), lastBlocks);
+
+    digest.resize(qsizetype(m_state.size() * 4));
+    for (size_t i = 0; i < m_state.size(); ++i)
+        qToBigEndian(m_state[i], digest.data() + 4 * i);
+#endif
+    reset();
+    return digest;
+}
+
 QByteArray sha256(QByteArrayView data)
 {
-#ifdef FB_SHA256_X86
-    if (sha256UsesCpuInstructions())
-        return instructionSha256(data);
-#endif
-    return portableSha256(data);
+    Sha256 hash;
+    hash.addData(data);
+    return hash.result();
 }
 
 QString sha256Hex(QByteArrayView data)

@@ -4,7 +4,41 @@
 #include <QByteArrayView>
 #include <QString>
 
+#include <array>
+#include <memory>
+
+class QCryptographicHash;
+
 namespace fb::app {
+
+// The SHA-256 digest of data that arrives in pieces, such as an archive as it is written: the
+// same digest sha256() gives for the pieces joined, on the processor's SHA instructions when
+// it has them.
+class Sha256
+{
+public:
+    Sha256();
+    ~Sha256();
+
+    Sha256(const Sha256 &) = delete;
+    Sha256 &operator=(const Sha256 &) = delete;
+
+    void addData(QByteArrayView data);
+
+    // The digest (32 bytes) of everything added. Adding more afterwards starts a new message.
+    QByteArray result();
+
+private:
+    void reset();
+
+    std::array<quint32, 8> m_state{};
+    // The start of a block that still lacks bytes.
+    std::array<char, 64> m_block{};
+    qsizetype m_blockFill = 0;
+    quint64 m_length = 0;
+    // The generic implementation, on machines without the instructions.
+    std::unique_ptr<QCryptographicHash> m_portable;
+};
 
 // The SHA-256 digest (32 bytes) of a whole buffer. On x86-64 processors with the SHA
 // extensions it runs on those instructions, several times faster than the generic code that

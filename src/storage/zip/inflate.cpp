@@ -1,11 +1,13 @@
 #include "storage/zip/inflate.h"
 
 #include <QString>
+#include <QtEndian>
 
 #include <algorithm>
 #include <array>
 #include <cstring>
-#include <limits>
+#include <memory>
+#include <utility>
 
 using namespace Qt::StringLiterals;
 
@@ -104,14 +106,14 @@ bool HuffmanCode::build(const quint8 *lengths, int symbolCount, Coverage coverag
     return true;
 }
 
-// Bits least significant first. Reading past the end yields zero bits and marks the input as
-// overrun, which the decoder takes as the end of a truncated stream.
+// Bits least significant first, from input that arrives in pieces. Reading past the end of the
+// input yields zero bits and marks the input as overrun, which the decoder takes as the end of
+// a truncated stream.
 class BitReader
 {
 public:
-    explicit BitReader(QByteArrayView data)
-        : m_data(reinterpret_cast<const quint8 *>(data.data()))
-        , m_size(data.size())
+    explicit BitReader(InflateChannel &channel)
+        : m_channel(channel)
     {
     }
 
@@ -137,32 +139,59 @@ public:
         return value;
     }
 
-    // Drops the bits left in the current byte and hands back the read position of the bytes
-    // that follow, so a stored block can be copied straight from the input.
-    qsizetype alignToByte()
-    {
-        skip(m_count & 7);
-        return m_pos - (m_count > m_padding ? (m_count - m_padding) / 8 : 0);
-    }
+    void alignToByte() { skip(m_count & 7); }
 
-    void restartAt(qsizetype pos)
+    // After alignToByte(), copies up to `length` bytes of input as they are (the contents of a
+    // stored block) and returns how many there were before the input ended.
+    qsizetype readBytes(char *to, qsizetype length)
     {
-        m_pos = pos;
+        qsizetype done = 0;
+        // Whole bytes already taken into the bit buffer come first.
+        while (done < length && m_count - m_padding >= 8)
+            to[done++] = static_cast<char>(take(8));
+        if (done == length || m_padding > 0)
+            return done;
         m_bits = 0;
         m_count = 0;
-        m_padding = 0;
+        while (done < length && (m_next != m_end || fetch())) {
+            const qsizetype n = std::min<qsizetype>(length - done, m_end - m_next);
+            std::memcpy(to + done, m_next, size_t(n));
+            m_next += n;
+            done += n;
+        }
+        return done;
     }
 
-    const quint8 *data() const { return m_data; }
-    qsizetype size() const { return m_size; }
-
 private:
+    bool fetch()
+    {
+        if (m_ended)
+            return false;
+        const QByteArrayView piece = m_channel.nextInput();
+        if (piece.isEmpty()) {
+            m_ended = true;
+            return false;
+        }
+        m_next = reinterpret_cast<const quint8 *>(piece.data());
+        m_end = m_next + piece.size();
+        return true;
+    }
+
     void refill()
     {
+        if (m_end - m_next >= 8) {
+            // Eight bytes are loaded at once and only the whole bytes that fit are kept.
+            const int bytes = (63 - m_count) >> 3;
+            const quint64 word = qFromLittleEndian<quint64>(m_next);
+            m_bits |= (word & ((quint64(1) << (8 * bytes)) - 1)) << m_count;
+            m_next += bytes;
+            m_count += 8 * bytes;
+            return;
+        }
         while (m_count <= 56) {
             quint64 byte = 0;
-            if (m_pos < m_size)
-                byte = m_data[m_pos++];
+            if (m_next != m_end || fetch())
+                byte = *m_next++;
             else
                 m_padding += 8;
             m_bits |= byte << m_count;
@@ -170,9 +199,10 @@ private:
         }
     }
 
-    const quint8 *m_data;
-    qsizetype m_size;
-    qsizetype m_pos = 0;
+    InflateChannel &m_channel;
+    const quint8 *m_next = nullptr;
+    const quint8 *m_end = nullptr;
+    bool m_ended = false;
     quint64 m_bits = 0;
     int m_count = 0;
     int m_padding = 0;
@@ -205,29 +235,33 @@ const HuffmanCode &fixedDistanceCode()
     return code;
 }
 
+// The decoder. Output is written into one buffer that holds the window a back-reference may
+// reach followed by room for new output; when the room is used up, the new output is handed to
+// the channel and the last kInflateWindowSize bytes move to the front.
 class Inflater
 {
 public:
-    Inflater(QByteArrayView input, qsizetype limit)
-        : m_in(input)
-        , m_limit(limit)
-        , m_ceiling(limit > std::numeric_limits<qsizetype>::max() - kInflateBlockOverrun
-                        ? std::numeric_limits<qsizetype>::max()
-                        : limit + kInflateBlockOverrun)
+    Inflater(InflateChannel &channel, const InflateLimits &limits)
+        : m_channel(channel)
+        , m_in(channel)
+        , m_limits(limits)
+        , m_buffer(new char[kCapacity])
     {
     }
 
-    Result<QByteArray> run();
+    InflateOutcome run();
 
 private:
-    enum class BlockEnd { Finished, OutputFull, Failed };
+    enum class BlockEnd { Finished, OutputFull, Stopped, Failed };
+
+    static constexpr qsizetype kCapacity = kInflateWindowSize + kInflateBufferSize;
 
     BlockEnd storedBlock();
     BlockEnd dynamicBlock();
     BlockEnd huffmanBlock(const HuffmanCode &litLen, const HuffmanCode &distance);
     int decode(const HuffmanCode &code);
     int decodeLong(const HuffmanCode &code);
-    void reserve(qsizetype extra);
+    bool flush();
 
     BlockEnd fail(QString message)
     {
@@ -235,50 +269,76 @@ private:
         return BlockEnd::Failed;
     }
 
+    InflateChannel &m_channel;
     BitReader m_in;
-    qsizetype m_limit;
-    qsizetype m_ceiling;
-    QByteArray m_out;
-    qsizetype m_size = 0;
+    InflateLimits m_limits;
+    std::unique_ptr<char[]> m_buffer;
+    // The write position in m_buffer and the start of the output not yet handed on.
+    qsizetype m_pos = 0;
+    qsizetype m_pending = 0;
+    qint64 m_total = 0;
     QString m_error;
     HuffmanCode m_litLen;
     HuffmanCode m_distance;
     HuffmanCode m_codeLengths;
 };
 
-Result<QByteArray> Inflater::run()
+InflateOutcome Inflater::run()
 {
     bool isFinal = false;
-    while (!isFinal && m_size < m_limit) {
+    InflateEnd end = InflateEnd::Complete;
+    while (!isFinal) {
+        if (m_total >= m_limits.stopAfter) {
+            end = InflateEnd::LimitReached;
+            break;
+        }
         isFinal = m_in.take(1) != 0;
         const quint32 type = m_in.take(2);
         if (m_in.isOverrun())
-            return makeError(u"The deflate stream ends before its final block."_s);
-        BlockEnd end = BlockEnd::Failed;
+            return {InflateEnd::Corrupt, m_total,
+                    u"The deflate stream ends before its final block."_s};
+        BlockEnd blockEnd = BlockEnd::Failed;
         switch (type) {
         case 0:
-            end = storedBlock();
+            blockEnd = storedBlock();
             break;
         case 1:
-            end = huffmanBlock(fixedLitLenCode(), fixedDistanceCode());
+            blockEnd = huffmanBlock(fixedLitLenCode(), fixedDistanceCode());
             break;
         case 2:
-            end = dynamicBlock();
+            blockEnd = dynamicBlock();
             break;
         default:
             fail(u"The deflate stream uses the reserved block type."_s);
             break;
         }
-        if (end == BlockEnd::Failed)
-            return makeError(m_error);
-        if (end == BlockEnd::OutputFull)
+        if (blockEnd == BlockEnd::Failed)
+            return {InflateEnd::Corrupt, m_total, m_error};
+        if (blockEnd == BlockEnd::Stopped)
+            return {InflateEnd::Stopped, m_total, {}};
+        if (blockEnd == BlockEnd::OutputFull) {
+            end = InflateEnd::OutputFull;
             break;
+        }
     }
-    m_out.resize(m_size);
-    // Growth by doubling can leave up to half the buffer unused; the result may be kept long.
-    if (m_out.capacity() - m_size > m_size / 4)
-        m_out.squeeze();
-    return m_out;
+    if (!flush())
+        return {InflateEnd::Stopped, m_total, {}};
+    return {end, m_total, {}};
+}
+
+bool Inflater::flush()
+{
+    if (m_pos > m_pending
+        && !m_channel.takeOutput(QByteArrayView(m_buffer.get() + m_pending, m_pos - m_pending))) {
+        return false;
+    }
+    if (m_pos > kInflateWindowSize) {
+        std::memmove(m_buffer.get(), m_buffer.get() + m_pos - kInflateWindowSize,
+                     size_t(kInflateWindowSize));
+        m_pos = kInflateWindowSize;
+    }
+    m_pending = m_pos;
+    return true;
 }
 
 Inflater::BlockEnd Inflater::storedBlock()
@@ -290,16 +350,20 @@ Inflater::BlockEnd Inflater::storedBlock()
         return fail(u"The deflate stream ends inside a stored block header."_s);
     if ((length ^ 0xFFFF) != complement)
         return fail(u"A stored block's length disagrees with its complement."_s);
-    const qsizetype pos = m_in.alignToByte();
-    if (m_in.size() - pos < qsizetype(length))
-        return fail(u"The deflate stream ends inside a stored block."_s);
-    if (m_size + qsizetype(length) > m_ceiling)
+    if (m_total + qint64(length) > m_limits.maxOutput)
         return BlockEnd::OutputFull;
-    reserve(length);
-    if (length > 0)
-        std::memcpy(m_out.data() + m_size, m_in.data() + pos, length);
-    m_size += length;
-    m_in.restartAt(pos + length);
+    qsizetype left = length;
+    while (left > 0) {
+        if (m_pos == kCapacity && !flush())
+            return BlockEnd::Stopped;
+        const qsizetype room = std::min(left, kCapacity - m_pos);
+        const qsizetype copied = m_in.readBytes(m_buffer.get() + m_pos, room);
+        m_pos += copied;
+        m_total += copied;
+        left -= copied;
+        if (copied < room)
+            return fail(u"The deflate stream ends inside a stored block."_s);
+    }
     return BlockEnd::Finished;
 }
 
@@ -362,6 +426,7 @@ Inflater::BlockEnd Inflater::dynamicBlock()
 
 Inflater::BlockEnd Inflater::huffmanBlock(const HuffmanCode &litLen, const HuffmanCode &distance)
 {
+    char *const buffer = m_buffer.get();
     for (;;) {
         const int symbol = decode(litLen);
         if (symbol < 0)
@@ -369,10 +434,12 @@ Inflater::BlockEnd Inflater::huffmanBlock(const HuffmanCode &litLen, const Huffm
         if (symbol < 256) {
             if (m_in.isOverrun())
                 return fail(u"The deflate stream ends inside a block."_s);
-            if (m_size >= m_ceiling)
+            if (m_total >= m_limits.maxOutput)
                 return BlockEnd::OutputFull;
-            reserve(1);
-            m_out.data()[m_size++] = static_cast<char>(symbol);
+            if (m_pos == kCapacity && !flush())
+                return BlockEnd::Stopped;
+            buffer[m_pos++] = static_cast<char>(symbol);
+            ++m_total;
             continue;
         }
         if (symbol == kEndOfBlock)
@@ -389,13 +456,16 @@ Inflater::BlockEnd Inflater::huffmanBlock(const HuffmanCode &litLen, const Huffm
             = kDistanceBase[distanceSymbol] + m_in.take(kDistanceExtra[distanceSymbol]);
         if (m_in.isOverrun())
             return fail(u"The deflate stream ends inside a block."_s);
-        if (dist > m_size)
+        if (dist > m_total)
             return fail(u"The deflate stream refers back past the start of its output."_s);
-        if (m_size + length > m_ceiling)
+        if (m_total + length > m_limits.maxOutput)
             return BlockEnd::OutputFull;
+        // After a flush the window keeps the last 32 KiB, the farthest a distance reaches, so
+        // `from` stays inside the buffer.
+        if (m_pos + length > kCapacity && !flush())
+            return BlockEnd::Stopped;
 
-        reserve(length);
-        char *to = m_out.data() + m_size;
+        char *to = buffer + m_pos;
         const char *from = to - dist;
         if (dist >= length) {
             std::memcpy(to, from, size_t(length));
@@ -404,7 +474,8 @@ Inflater::BlockEnd Inflater::huffmanBlock(const HuffmanCode &litLen, const Huffm
             for (qsizetype i = 0; i < length; ++i)
                 to[i] = from[i];
         }
-        m_size += length;
+        m_pos += length;
+        m_total += length;
     }
     if (m_in.isOverrun())
         return fail(u"The deflate stream ends inside a block."_s);
@@ -443,21 +514,56 @@ int Inflater::decodeLong(const HuffmanCode &code)
     return -1;
 }
 
-void Inflater::reserve(qsizetype extra)
+// The whole input at once, the output gathered in one array.
+class MemoryChannel final : public InflateChannel
 {
-    const qsizetype needed = m_size + extra;
-    if (needed <= m_out.size())
-        return;
-    const qsizetype grown = std::max(needed, std::max<qsizetype>(m_out.size() * 2, 4096));
-    m_out.resize(std::min(grown, m_ceiling));
-}
+public:
+    explicit MemoryChannel(QByteArrayView input)
+        : m_input(input)
+    {
+    }
+
+    QByteArrayView nextInput() override { return std::exchange(m_input, {}); }
+
+    bool takeOutput(QByteArrayView piece) override
+    {
+        m_output.append(piece);
+        return true;
+    }
+
+    QByteArray takeResult()
+    {
+        // Growth by doubling can leave up to half the array unused; the result may be kept long.
+        if (m_output.capacity() - m_output.size() > m_output.size() / 4)
+            m_output.squeeze();
+        return std::move(m_output);
+    }
+
+private:
+    QByteArrayView m_input;
+    QByteArray m_output;
+};
 
 } // namespace
 
+InflateOutcome inflateStream(InflateChannel &channel, const InflateLimits &limits)
+{
+    Inflater inflater(channel, limits);
+    return inflater.run();
+}
+
 Result<QByteArray> inflate(QByteArrayView deflated, qsizetype outputLimit)
 {
-    Inflater inflater(deflated, outputLimit);
-    return inflater.run();
+    MemoryChannel channel(deflated);
+    InflateLimits limits;
+    limits.stopAfter = outputLimit;
+    limits.maxOutput = outputLimit > std::numeric_limits<qint64>::max() - kInflateBlockOverrun
+                           ? std::numeric_limits<qint64>::max()
+                           : outputLimit + kInflateBlockOverrun;
+    const InflateOutcome outcome = inflateStream(channel, limits);
+    if (outcome.end == InflateEnd::Corrupt)
+        return makeError(outcome.error);
+    return channel.takeResult();
 }
 
 } // namespace fb::app

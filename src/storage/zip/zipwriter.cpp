@@ -1,128 +1,200 @@
 #include "storage/zip/zipwriter.h"
 
+#include "storage/sha256.h"
 #include "storage/zip/crc32.h"
+#include "storage/zip/zipformat.h"
+#include "storage/zip/zipmessages.h"
 
-#include <QtEndian>
+#include <QFile>
+#include <QIODevice>
 
+#include <functional>
 #include <vector>
 
 namespace fb::app {
 
+using namespace zipformat;
+
 namespace {
 
-constexpr quint32 kLocalHeaderSignature = 0x04034B50;
-constexpr quint32 kCentralHeaderSignature = 0x02014B50;
-constexpr quint32 kEndRecordSignature = 0x06054B50;
-constexpr quint16 kVersion = 20;
-constexpr quint16 kDosDate = 0x0021; // 1 January 1980, the earliest date the format holds
-constexpr qsizetype kLocalHeaderSize = 30;
-constexpr qsizetype kCentralHeaderSize = 46;
-constexpr qsizetype kEndRecordSize = 22;
-constexpr qsizetype kMaxNameBytes = 65535;
+// The bytes of a file entry are copied in pieces of this size.
+constexpr qint64 kCopyPiece = 262144;
 
-class ByteSink
+// Lays out an archive of stored entries and hands its bytes to `output` in order. Both writers
+// are built on it, so they give the same bytes.
+class ArchiveBuilder
 {
 public:
-    explicit ByteSink(qsizetype capacity) { m_bytes.reserve(capacity); }
+    using Output = std::function<bool(QByteArrayView)>;
 
-    void u16(quint16 value)
+    explicit ArchiveBuilder(Output output)
+        : m_output(std::move(output))
     {
-        char raw[2];
-        qToLittleEndian(value, raw);
-        m_bytes.append(raw, 2);
     }
 
-    void u32(quint32 value)
+    bool beginEntry(const QString &name, quint32 crc, quint64 size)
     {
-        char raw[4];
-        qToLittleEndian(value, raw);
-        m_bytes.append(raw, 4);
+        StoredEntryRecord record{name.toUtf8().left(kMaxNameBytes), crc, size, m_offset};
+        const bool written = write(localHeader(record));
+        m_records.push_back(std::move(record));
+        return written;
     }
 
-    void bytes(const QByteArray &data) { m_bytes.append(data); }
-    qsizetype size() const { return m_bytes.size(); }
-    QByteArray take() { return std::move(m_bytes); }
+    bool write(QByteArrayView bytes)
+    {
+        m_offset += quint64(bytes.size());
+        return m_output(bytes);
+    }
+
+    bool finish()
+    {
+        const quint64 directoryOffset = m_offset;
+        for (const StoredEntryRecord &record : m_records) {
+            if (!write(centralHeader(record)))
+                return false;
+        }
+        return write(directoryEnd(m_records.size(), directoryOffset, m_offset - directoryOffset));
+    }
+
+    quint64 offset() const { return m_offset; }
 
 private:
-    QByteArray m_bytes;
-};
-
-struct PreparedEntry
-{
-    QByteArray name;
-    quint32 crc = 0;
-    quint32 size = 0;
-    quint32 offset = 0;
+    Output m_output;
+    std::vector<StoredEntryRecord> m_records;
+    quint64 m_offset = 0;
 };
 
 } // namespace
 
 QByteArray writeZip(const QList<ZipEntry> &entries)
 {
-    std::vector<PreparedEntry> prepared;
-    prepared.reserve(size_t(entries.size()));
     qsizetype total = kEndRecordSize;
+    for (const ZipEntry &entry : entries)
+        total += kLocalHeaderSize + kCentralHeaderSize + 2 * entry.name.size() + entry.data.size();
+    QByteArray archive;
+    archive.reserve(total);
+    ArchiveBuilder builder([&archive](QByteArrayView bytes) {
+        archive.append(bytes);
+        return true;
+    });
     for (const ZipEntry &entry : entries) {
-        PreparedEntry p;
-        p.name = entry.name.toUtf8().left(kMaxNameBytes);
-        p.crc = entry.crc ? *entry.crc : crc32(entry.data);
-        p.size = quint32(entry.data.size());
-        total += kLocalHeaderSize + kCentralHeaderSize + 2 * p.name.size() + entry.data.size();
-        prepared.push_back(std::move(p));
+        builder.beginEntry(entry.name, entry.crc ? *entry.crc : crc32(entry.data),
+                           quint64(entry.data.size()));
+        builder.write(entry.data);
+    }
+    builder.finish();
+    return archive;
+}
+
+class ZipStreamWriter::Private
+{
+public:
+    explicit Private(QIODevice *device)
+        : m_device(device)
+        , m_builder([this](QByteArrayView bytes) { return output(bytes); })
+    {
     }
 
-    ByteSink out(total);
-    for (size_t i = 0; i < prepared.size(); ++i) {
-        PreparedEntry &p = prepared[i];
-        p.offset = quint32(out.size());
-        out.u32(kLocalHeaderSignature);
-        out.u16(kVersion);
-        out.u16(0); // flags
-        out.u16(0); // method: stored
-        out.u16(0); // time
-        out.u16(kDosDate);
-        out.u32(p.crc);
-        out.u32(p.size);
-        out.u32(p.size);
-        out.u16(quint16(p.name.size()));
-        out.u16(0); // extra field length
-        out.bytes(p.name);
-        out.bytes(entries[qsizetype(i)].data);
+    // Keeps the first failure; every later call reports it again.
+    Result<void> fail(const QString &message)
+    {
+        if (m_error.isEmpty())
+            m_error = message;
+        return makeError(m_error);
     }
 
-    const auto directoryOffset = quint32(out.size());
-    for (const PreparedEntry &p : prepared) {
-        out.u32(kCentralHeaderSignature);
-        out.u16(kVersion); // made by
-        out.u16(kVersion); // needed
-        out.u16(0);        // flags
-        out.u16(0);        // method: stored
-        out.u16(0);        // time
-        out.u16(kDosDate);
-        out.u32(p.crc);
-        out.u32(p.size);
-        out.u32(p.size);
-        out.u16(quint16(p.name.size()));
-        out.u16(0); // extra field length
-        out.u16(0); // comment length
-        out.u16(0); // disk number start
-        out.u16(0); // internal attributes
-        out.u32(0); // external attributes
-        out.u32(p.offset);
-        out.bytes(p.name);
-    }
-    const auto directorySize = quint32(out.size() - directoryOffset);
+    Result<void> written(bool ok) { return ok ? Result<void>() : fail(zipmessage::notWritten()); }
 
-    const auto count = quint16(prepared.size());
-    out.u32(kEndRecordSignature);
-    out.u16(0); // this disk
-    out.u16(0); // disk with the directory
-    out.u16(count);
-    out.u16(count);
-    out.u32(directorySize);
-    out.u32(directoryOffset);
-    out.u16(0); // comment length
-    return out.take();
+    Result<void> copyFile(const QString &name, QFile &file, qint64 size, quint32 crc);
+
+    QIODevice *m_device;
+    ArchiveBuilder m_builder;
+    Sha256 m_hash;
+    QByteArray m_digest;
+    QString m_error;
+
+private:
+    bool output(QByteArrayView bytes)
+    {
+        m_hash.addData(bytes);
+        return m_device->write(bytes.data(), bytes.size()) == bytes.size();
+    }
+};
+
+Result<void> ZipStreamWriter::Private::copyFile(const QString &name, QFile &file, qint64 size,
+                                                quint32 crc)
+{
+    QByteArray piece(std::min(size, kCopyPiece), Qt::Uninitialized);
+    quint32 copiedCrc = 0;
+    for (qint64 left = size; left > 0;) {
+        const qint64 got = file.read(piece.data(), std::min(left, kCopyPiece));
+        if (got < 0)
+            return fail(zipmessage::fileUnreadable(name));
+        if (got == 0)
+            return fail(zipmessage::fileChanged(name)); // it has become shorter
+        const QByteArrayView bytes(piece.constData(), got);
+        copiedCrc = crc32(bytes, copiedCrc);
+        if (!m_builder.write(bytes))
+            return fail(zipmessage::notWritten());
+        left -= got;
+    }
+    char extra = 0;
+    if (file.read(&extra, 1) != 0 || copiedCrc != crc)
+        return fail(zipmessage::fileChanged(name));
+    return {};
+}
+
+ZipStreamWriter::ZipStreamWriter(QIODevice *device)
+    : m_d(std::make_unique<Private>(device))
+{
+}
+
+ZipStreamWriter::~ZipStreamWriter() = default;
+
+Result<void> ZipStreamWriter::addBytes(const QString &name, QByteArrayView data,
+                                       std::optional<quint32> crc)
+{
+    if (!m_d->m_error.isEmpty())
+        return makeError(m_d->m_error);
+    const bool ok = m_d->m_builder.beginEntry(name, crc ? *crc : crc32(data),
+                                              quint64(data.size()))
+                    && m_d->m_builder.write(data);
+    return m_d->written(ok);
+}
+
+Result<void> ZipStreamWriter::addFile(const QString &name, const QString &path, qint64 size,
+                                      quint32 crc)
+{
+    if (!m_d->m_error.isEmpty())
+        return makeError(m_d->m_error);
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Unbuffered))
+        return m_d->fail(zipmessage::fileUnreadable(name));
+    if (file.size() != size)
+        return m_d->fail(zipmessage::fileChanged(name));
+    if (!m_d->m_builder.beginEntry(name, crc, quint64(size)))
+        return m_d->fail(zipmessage::notWritten());
+    return m_d->copyFile(name, file, size, crc);
+}
+
+Result<void> ZipStreamWriter::finish()
+{
+    if (!m_d->m_error.isEmpty())
+        return makeError(m_d->m_error);
+    if (!m_d->m_builder.finish())
+        return m_d->fail(zipmessage::notWritten());
+    m_d->m_digest = m_d->m_hash.result();
+    return {};
+}
+
+QByteArray ZipStreamWriter::sha256() const
+{
+    return m_d->m_digest;
+}
+
+qint64 ZipStreamWriter::size() const
+{
+    return qint64(m_d->m_builder.offset());
 }
 
 } // namespace fb::app

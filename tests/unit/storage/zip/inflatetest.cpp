@@ -1,90 +1,23 @@
 #include "storage/zip/crc32.h"
 #include "storage/zip/inflate.h"
-#include "storage/zip/zipreader.h"
-#include "storage/zip/zipwriter.h"
 #include "support/printers.h"
+#include "unit/storage/zip/ziptestutil.h"
 
-#include <QFile>
 #include <QRandomGenerator>
-#include <QtEndian>
+
+#include <limits>
 
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
 using fb::app::inflate;
 using fb::app::kInflateBlockOverrun;
-using fb::app::kInflateOutputLimit;
+using fb::ziptest::BitWriter;
+using fb::ziptest::kFinalFixedBlock;
+using fb::ziptest::readTestFile;
+using fb::ziptest::zeroBomb;
 
 namespace {
-
-QByteArray readTestFile(const char *name)
-{
-    QFile file(QStringLiteral(FB_TEST_DATA_DIR "/zip/") + QString::fromLatin1(name));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << name;
-    return file.readAll();
-}
-
-// Writes a deflate stream bit by bit: header fields least significant bit first, Huffman
-// codes most significant bit first, as the format sends them.
-class BitWriter
-{
-public:
-    BitWriter &bits(quint32 value, int count)
-    {
-        for (int i = 0; i < count; ++i)
-            put((value >> i) & 1);
-        return *this;
-    }
-
-    BitWriter &code(quint32 value, int length)
-    {
-        for (int i = length - 1; i >= 0; --i)
-            put((value >> i) & 1);
-        return *this;
-    }
-
-    BitWriter &fixed(int symbol)
-    {
-        if (symbol < 144)
-            return code(0x30 + symbol, 8);
-        if (symbol < 256)
-            return code(0x190 + symbol - 144, 9);
-        if (symbol < 280)
-            return code(symbol - 256, 7);
-        return code(0xC0 + symbol - 280, 8);
-    }
-
-    QByteArray bytes() const { return m_bytes; }
-
-private:
-    void put(quint32 bit)
-    {
-        if (m_bitCount % 8 == 0)
-            m_bytes.append('\0');
-        m_bytes.back() = char(m_bytes.back() | (bit << (m_bitCount++ % 8)));
-    }
-
-    QByteArray m_bytes;
-    int m_bitCount = 0;
-};
-
-constexpr quint32 kFinalFixedBlock = 0b011;
-
-// Fixed blocks that each repeat a zero byte 258 * runsPerBlock times (the first block also
-// holds the zero literal that the runs copy).
-QByteArray zeroBomb(int blocks, int runsPerBlock)
-{
-    BitWriter w;
-    for (int b = 0; b < blocks; ++b) {
-        w.bits(b == blocks - 1 ? kFinalFixedBlock : 0b010, 3);
-        if (b == 0)
-            w.fixed(0);
-        for (int r = 0; r < runsPerBlock; ++r)
-            w.fixed(285).code(0, 5); // length 258, distance 1
-        w.fixed(256);
-    }
-    return w.bytes();
-}
 
 // A final dynamic block header with one distance code whose code length code lists the
 // lengths of symbols 16, 17, 18 and 0, giving one bit to each symbol in `oneBitSymbols`.
@@ -209,20 +142,120 @@ TEST(Inflate, CutsOffASingleBlockThatRunsFarPastTheLimit)
     EXPECT_LE(result->size(), limit + kInflateBlockOverrun);
 }
 
-TEST(Inflate, ExtractionCutsADeflateBombShortNearSixtyFourMebibytes)
+// Hands the input over in pieces of `inputPiece` bytes and refuses output past `refuseAfter`.
+class PiecewiseChannel final : public fb::app::InflateChannel
 {
-    // About 100 MiB of zeros in blocks of 258,000 bytes, stored in an archive as method 8.
-    QByteArray archive = fb::app::writeZip({{u"bomb.bin"_s, zeroBomb(400, 1000)}});
-    const qsizetype centralHeader
-        = qFromLittleEndian<quint32>(archive.constData() + archive.size() - 6);
-    qToLittleEndian<quint16>(fb::app::kZipDeflated, archive.data() + 8);
-    qToLittleEndian<quint16>(fb::app::kZipDeflated, archive.data() + centralHeader + 10);
+public:
+    PiecewiseChannel(QByteArrayView input, qsizetype inputPiece, qint64 refuseAfter)
+        : m_input(input)
+        , m_piece(inputPiece)
+        , m_refuseAfter(refuseAfter)
+    {
+    }
 
-    const auto data = fb::app::extractZipEntry(archive, u"bomb.bin");
-    ASSERT_TRUE(data) << data.error().toStdString();
-    EXPECT_GE(data->size(), kInflateOutputLimit);
-    EXPECT_LT(data->size(), kInflateOutputLimit + 258000);
-    EXPECT_EQ(data->size() % 258000, 1); // whole blocks after the first literal
+    QByteArrayView nextInput() override
+    {
+        const QByteArrayView piece = m_input.first(std::min(m_piece, m_input.size()));
+        m_input = m_input.sliced(piece.size());
+        return piece;
+    }
+
+    bool takeOutput(QByteArrayView piece) override
+    {
+        if (m_output.size() + piece.size() > m_refuseAfter)
+            return false;
+        m_output.append(piece);
+        return true;
+    }
+
+    QByteArray m_output;
+
+private:
+    QByteArrayView m_input;
+    qsizetype m_piece;
+    qint64 m_refuseAfter;
+};
+
+TEST(InflateStream, DecodesTheSameWhateverPiecesTheInputArrivesIn)
+{
+    // Stored blocks longer than the decoder's buffer, and copies that reach back a whole window
+    // across the points where the buffer is handed on. The expected output is built alongside.
+    const QByteArray pattern = readTestFile("text.txt").repeated(10).left(32768);
+    QByteArray expected = pattern.repeated(2).left(65535);
+    BitWriter w;
+    w.bits(0b000, 3).alignToByte().bits(65535, 16).bits(0, 16).bytes(expected);
+    w.bits(0b010, 3);
+    for (int i = 0; i < 5000; ++i) {
+        w.fixed(285).code(29, 5).bits(8191, 13); // length 258, distance 32768
+        expected.append(expected.sliced(expected.size() - 32768, 258));
+    }
+    w.fixed(256);
+    const QByteArray last = pattern.repeated(2).left(40000);
+    w.bits(0b001, 3).alignToByte().bits(40000, 16).bits(40000 ^ 0xFFFF, 16).bytes(last);
+    expected.append(last);
+
+    struct Case
+    {
+        const char *name;
+        QByteArray deflated;
+        QByteArray expected; // empty for the files, which other tests check
+    };
+    const Case cases[] = {
+        {"dynamic blocks", readTestFile("text.deflate"), {}},
+        {"long codes", readTestFile("skewed.deflate"), {}},
+        {"every length and distance", readTestFile("matches.deflate"), {}},
+        {"long stored blocks and far copies", w.bytes(), expected},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto whole = inflate(c.deflated);
+        ASSERT_TRUE(whole) << whole.error().toStdString();
+        if (!c.expected.isEmpty()) {
+            EXPECT_TRUE(*whole == c.expected);
+        }
+        for (const qsizetype piece : {1, 7, 8, 4096}) {
+            SCOPED_TRACE(piece);
+            PiecewiseChannel channel(c.deflated, piece, std::numeric_limits<qint64>::max());
+            const fb::app::InflateOutcome outcome = fb::app::inflateStream(channel);
+            EXPECT_EQ(outcome.end, fb::app::InflateEnd::Complete) << outcome.error.toStdString();
+            EXPECT_EQ(outcome.outputSize, whole->size());
+            EXPECT_TRUE(channel.m_output == *whole);
+        }
+    }
+}
+
+TEST(InflateStream, StopsAtTheOutputLimitOrWhenTheOutputIsRefused)
+{
+    const QByteArray bomb = zeroBomb(40, 1000); // 10,320,001 zeros
+    struct Case
+    {
+        const char *name;
+        qint64 maxOutput;
+        qint64 refuseAfter;
+        fb::app::InflateEnd end;
+        qint64 outputSize;
+    };
+    const qint64 unlimited = std::numeric_limits<qint64>::max();
+    const Case cases[] = {
+        {"exactly the output", 10320001, unlimited, fb::app::InflateEnd::Complete, 10320001},
+        {"one byte less allowed", 10320000, unlimited, fb::app::InflateEnd::OutputFull, 10319743},
+        {"a small limit", 1000, unlimited, fb::app::InflateEnd::OutputFull, 775},
+        {"output refused", unlimited, 1 << 20, fb::app::InflateEnd::Stopped, 1 << 20},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        PiecewiseChannel channel(bomb, 4096, c.refuseAfter);
+        fb::app::InflateLimits limits;
+        limits.maxOutput = c.maxOutput;
+        const fb::app::InflateOutcome outcome = fb::app::inflateStream(channel, limits);
+        EXPECT_EQ(outcome.end, c.end);
+        EXPECT_LE(channel.m_output.size(), c.outputSize);
+        if (c.end != fb::app::InflateEnd::Stopped) {
+            EXPECT_EQ(outcome.outputSize, c.outputSize);
+            EXPECT_EQ(channel.m_output.size(), c.outputSize);
+        }
+        EXPECT_EQ(channel.m_output.count('\0'), channel.m_output.size());
+    }
 }
 
 TEST(Inflate, SurvivesHostileInput)
