@@ -164,8 +164,8 @@ int main(int argc, char **argv)
 
     const std::unique_ptr<core::Project> project = buildProject(size);
     app::ProjectFolderWriter writer;
-    if (const auto written = writer.write(folder, *project); !written) {
-        std::fprintf(stderr, "%s\n", qPrintable(written.error()));
+    if (const app::SaveOutcome written = writer.write(folder, *project); !written.isSaved()) {
+        std::fprintf(stderr, "%s\n", qPrintable(written.message));
         return 1;
     }
     const auto packed = app::packFolder(folder);

@@ -3,6 +3,7 @@
 #include "core/document.h"
 #include "core/project.h"
 
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -48,6 +49,34 @@ std::vector<DocumentTree::Entry> DocumentTree::readingOrder(const QUuid &parentI
         pushChildren(current.document->id(), current.depth + 1);
     }
     return result;
+}
+
+int repairDocumentParentLoops(Project &project)
+{
+    enum class Walk { OnPath, Done };
+    QHash<QUuid, Walk> state;
+    int cut = 0;
+    for (Document *start : project.objectsOfType<Document>()) {
+        std::vector<Document *> path;
+        Document *current = start;
+        // Walks up until a document already settled, a missing parent, or one on this walk.
+        while (current && !state.contains(current->id())) {
+            state.insert(current->id(), Walk::OnPath);
+            path.push_back(current);
+            current = project.objectAs<Document>(current->parentId());
+        }
+        if (current && state.value(current->id()) == Walk::OnPath) {
+            const auto loopStart = std::find(path.begin(), path.end(), current);
+            Document *freed = *std::min_element(loopStart, path.end(), [](const Document *a, const Document *b) {
+                return IdTextLess()(a->id(), b->id());
+            });
+            freed->setParentId(QUuid());
+            ++cut;
+        }
+        for (Document *walked : path)
+            state.insert(walked->id(), Walk::Done);
+    }
+    return cut;
 }
 
 } // namespace fb::core

@@ -39,4 +39,10 @@ private:
     std::map<QUuid, std::vector<const Document *>, IdTextLess> m_children;
 };
 
+// Cuts every loop in the documents' parent links, which damaged or hand-edited files can hold:
+// in each loop the document with the smallest id text becomes a top-level document. So every
+// document is reachable in the tree, and the same one is freed on every reading. Returns how
+// many loops were cut.
+int repairDocumentParentLoops(Project &project);
+
 } // namespace fb::core

@@ -14,11 +14,11 @@ QString serialise(const QJsonObject &envelope)
 
 } // namespace
 
-JsonRpcMessage parseJsonRpcMessage(const QString &line)
+JsonRpcMessage parseJsonRpcMessage(const QByteArray &line)
 {
     JsonRpcMessage message;
     QJsonParseError parseError;
-    const QJsonDocument document = QJsonDocument::fromJson(line.toUtf8(), &parseError);
+    const QJsonDocument document = QJsonDocument::fromJson(line, &parseError);
     if (parseError.error != QJsonParseError::NoError) {
         message.error = parseError.errorString();
         return message;

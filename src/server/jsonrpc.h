@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QJsonObject>
 #include <QJsonValue>
 #include <QString>
@@ -17,7 +18,8 @@ struct JsonRpcMessage
     QJsonObject params;
 };
 
-JsonRpcMessage parseJsonRpcMessage(const QString &line);
+// Reads one line of UTF-8 text.
+JsonRpcMessage parseJsonRpcMessage(const QByteArray &line);
 
 // The two envelopes every answer travels in, serialised compactly (never a raw line break).
 QString jsonRpcResult(const QJsonValue &id, const QJsonObject &result);

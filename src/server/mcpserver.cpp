@@ -34,17 +34,40 @@ void McpServer::addTool(const McpToolDescriptor &descriptor, McpToolHandler hand
     m_handlers.insert(descriptor.name, std::move(handler));
 }
 
-void McpServer::setToolCallHook(std::function<void()> hook)
+void McpServer::setToolCallHook(McpToolCallHook hook)
 {
     m_toolCallHook = std::move(hook);
 }
 
+namespace {
+
+// Whether a line holds nothing but white space. The bytes are looked at first, so that a long
+// line costs no copy; only a line that starts with a non-ASCII byte, which could be Unicode
+// white space, is decoded.
+bool isBlank(QByteArrayView line)
+{
+    const QByteArrayView trimmed = line.trimmed();
+    if (trimmed.isEmpty())
+        return true;
+    return quint8(trimmed.front()) >= 0x80 && QString::fromUtf8(trimmed).trimmed().isEmpty();
+}
+
+} // namespace
+
 std::optional<QString> McpServer::handleLine(const QString &line)
 {
-    if (line.trimmed().isEmpty())
+    return handleLine(line.toUtf8());
+}
+
+std::optional<QString> McpServer::handleLine(const QByteArray &line)
+{
+    if (isBlank(line))
         return std::nullopt;
 
-    const JsonRpcMessage message = parseJsonRpcMessage(line);
+    // Malformed UTF-8 reads as replacement characters, as everywhere the server decodes text,
+    // instead of failing the whole message.
+    const JsonRpcMessage message = parseJsonRpcMessage(
+        line.isValidUtf8() ? line : QString::fromUtf8(line).toUtf8());
     if (!message.valid)
         return jsonRpcError(QJsonValue::Null, JsonRpcCode::ParseError, message.error);
     if (message.isNotification)
@@ -96,10 +119,9 @@ QString McpServer::callTool(const QJsonValue &id, const QJsonObject &params)
         return jsonRpcError(id, JsonRpcCode::InvalidParams,
                             QStringLiteral("Unknown tool: %1").arg(name));
     }
-    if (m_toolCallHook)
-        m_toolCallHook();
-
-    const McpToolResult outcome = (*handler)(params.value(QStringLiteral("arguments")).toObject());
+    const QJsonObject arguments = params.value(QStringLiteral("arguments")).toObject();
+    const auto runTool = [&] { return (*handler)(arguments); };
+    const McpToolResult outcome = m_toolCallHook ? m_toolCallHook(runTool) : runTool();
     QJsonObject result{
         {QStringLiteral("content"),
          QJsonArray{QJsonObject{{QStringLiteral("type"), QStringLiteral("text")},

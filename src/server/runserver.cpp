@@ -1,5 +1,7 @@
 #include "server/runserver.h"
 
+#include "server/jsonrpc.h"
+#include "server/linereader.h"
 #include "server/mcpserver.h"
 #include "storage/mcpchangelog.h"
 #include "storage/workspace.h"
@@ -8,9 +10,9 @@
 #include <QGuiApplication>
 
 #include <cstdio>
-#include <iostream>
 #include <memory>
-#include <string>
+
+#include <unistd.h>
 
 namespace fb::app {
 
@@ -75,7 +77,7 @@ void registerToolFamilies(McpServer &server, Workspace &workspace, McpChangeLog 
 
 // Before each tool call the project is brought in step with what other programs (the desktop
 // application) saved meanwhile. A failed adoption is reported and the call goes on against
-// the project as it is in memory.
+// the project as it is in memory, which then refuses every change until the project reads again.
 void adoptExternalChanges(Workspace &workspace)
 {
     if (!workspace.hasExternalChange())
@@ -86,12 +88,38 @@ void adoptExternalChanges(Workspace &workspace)
                        .arg(reloaded.error()));
 }
 
+// A call holds the project's lock from the adoption of outside changes to its save, so another
+// server on the same project never works between the two.
+McpToolResult runToolCall(Workspace &workspace, const std::function<McpToolResult()> &runTool)
+{
+    Result<ProjectLock::Hold> held = workspace.lockForCall();
+    if (!held)
+        return McpToolResult::failure(held.error());
+    adoptExternalChanges(workspace);
+    return runTool();
+}
+
+QString lineTooLongMessage()
+{
+    return QStringLiteral("The message is longer than %1 bytes, the most this server reads in "
+                          "one line.")
+        .arg(kMaxLineLength);
+}
+
+// A line past the cap is answered as unreadable JSON: it was never stored, so there is no id
+// to answer to.
+std::optional<QString> answerLine(McpServer &server, const InputLine &line)
+{
+    if (line.isTooLong)
+        return jsonRpcError(QJsonValue::Null, JsonRpcCode::ParseError, lineTooLongMessage());
+    return server.handleLine(line.bytes);
+}
+
 void serve(McpServer &server)
 {
-    std::string line;
-    while (std::getline(std::cin, line)) {
-        const std::optional<QString> response =
-            server.handleLine(QString::fromUtf8(line.data(), qsizetype(line.size())));
+    LineReader reader(STDIN_FILENO);
+    while (const std::optional<InputLine> line = reader.next()) {
+        const std::optional<QString> response = answerLine(server, *line);
         if (!response)
             continue;
         const QByteArray bytes = response->toUtf8();
@@ -130,11 +158,11 @@ int runServer(int argc, char **argv)
     auto server = std::make_unique<McpServer>(QStringLiteral("fablery"), QStringLiteral("0.1.2"),
                                               instructionsText());
     registerToolFamilies(*server, *workspace, log);
-    server->setToolCallHook([&workspace] { adoptExternalChanges(*workspace); });
+    server->setToolCallHook([&workspace](const std::function<McpToolResult()> &runTool) {
+        return runToolCall(*workspace, runTool);
+    });
 
     writeError(QStringLiteral("fablery-mcp serving %1\n").arg(workspace->displayPath()));
-    // The C++ streams need not keep pace with C stdio: the loop only reads lines.
-    std::ios::sync_with_stdio(false);
     serve(*server);
 
     server.reset();

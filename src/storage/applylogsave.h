@@ -18,7 +18,9 @@ class Workspace;
 
 // Runs a mutating tool's body as one undo step, saves the project at once and logs the success
 // text. A body that fails after pushing commands is rolled back, so a failing call changes
-// nothing; a save that fails leaves the change applied and undoable but unlogged.
+// nothing. So is a change whose save is refused (another program changed a file it would
+// replace): nothing reaches the disk and the refusal is the result. A save that fails while
+// writing leaves the change applied and undoable but unlogged.
 McpToolResult applyLogSave(Workspace &workspace, McpChangeLog &log, const QString &label,
                            const std::function<McpToolResult()> &body);
 

@@ -17,9 +17,9 @@ constexpr int backupRetention = 15;
 
 McpToolResult saveProject(Workspace &workspace)
 {
-    const Result<void> saved = workspace.save();
-    if (!saved)
-        return McpToolResult::failure(saved.error());
+    const SaveOutcome saved = workspace.save();
+    if (!saved.isSaved())
+        return McpToolResult::failure(saved.message);
     return McpToolResult::success(QStringLiteral("Project saved."));
 }
 
@@ -28,12 +28,17 @@ McpToolResult undoLast(Workspace &workspace, McpChangeLog &log)
     core::UndoHistory &history = workspace.undoHistory();
     if (!history.canUndo())
         return McpToolResult::failure(QStringLiteral("Nothing to undo."));
+    if (const Result<void> writable = workspace.checkWritable(); !writable)
+        return McpToolResult::failure(writable.error());
     history.undo();
-    const Result<void> saved = workspace.save();
-    if (!saved) {
+    const SaveOutcome saved = workspace.save();
+    // A refused save wrote nothing, and the next call reads the project afresh from disk.
+    if (saved.isRefused())
+        return McpToolResult::failure(saved.message);
+    if (!saved.isSaved()) {
         return McpToolResult::failure(
             QStringLiteral("The change was undone in the open project, but saving failed: %1")
-                .arg(saved.error()));
+                .arg(saved.message));
     }
     const QString text = QStringLiteral("Undid the last change.");
     log.append(text);

@@ -30,21 +30,14 @@ qint64 nowNs()
         .count();
 }
 
-qint64 toNs(const timespec &time)
+FileStatus statusOf(const struct stat &info)
 {
-    return qint64(time.tv_sec) * 1'000'000'000 + time.tv_nsec;
+    return fileStatusOf(info);
 }
 
-FolderSnapshot::FileStatus statusOf(const struct stat &info)
-{
-    return {qint64(info.st_size), toNs(info.st_mtim), toNs(info.st_ctim), quint64(info.st_ino)};
-}
-
-// A fast 64-bit digest: it only has to tell whether bytes changed since this process saw them,
-// and an accidental collision of a real edit is as unlikely as 1 in 2^64.
 quint64 digestOf(const QByteArray &bytes)
 {
-    return quint64(qHashBits(bytes.constData(), size_t(bytes.size()), 0));
+    return contentDigest(bytes);
 }
 
 // Unreadable files get a digest no content has in practice, so they compare as changed.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "storage/filestatus.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QSet>
@@ -48,16 +50,6 @@ public:
     void update(const QString &folder, const FolderWriteReport &report);
     // Whether a json or yaml file was added, removed or changed since the last take or update.
     bool hasChanged(const QString &folder);
-
-    struct FileStatus
-    {
-        qint64 size = -1;
-        qint64 modifiedNs = 0;
-        qint64 changedNs = 0;
-        quint64 inode = 0;
-
-        bool operator==(const FileStatus &) const = default;
-    };
 
 private:
     struct Entry

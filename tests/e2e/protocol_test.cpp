@@ -1,6 +1,7 @@
 #include "support/serverprocess.h"
 
 #include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 
@@ -18,6 +19,39 @@ const QByteArray usageText = "Usage: fablery-mcp <project path>\n"
 constexpr char syncPing[] = R"({"jsonrpc":"2.0","id":"sync","method":"ping"})";
 const QByteArray parseErrorPrefix = R"({"error":{"code":-32700,"message":")";
 constexpr char syncAnswer[] = R"({"id":"sync","jsonrpc":"2.0","result":{}})";
+
+// The longest line the server reads, the line feed not counted, and its answer to a longer one.
+constexpr qsizetype lineCap = 10 * 1024 * 1024;
+const QByteArray tooLongAnswer =
+    R"({"error":{"code":-32700,"message":"The message is longer than 10485760 bytes, the most )"
+    R"(this server reads in one line."},"id":null,"jsonrpc":"2.0"})";
+
+// A ping whose padding in its params brings the whole line to exactly `length` bytes.
+QByteArray paddedPing(int id, qsizetype length)
+{
+    const QByteArray head =
+        R"({"id":)" + QByteArray::number(id) + R"(,"method":"ping","params":{"pad":")";
+    const QByteArray tail = R"("}})";
+    return head + QByteArray(length - head.size() - tail.size(), 'x') + tail;
+}
+
+QByteArray pingAnswer(int id)
+{
+    return R"({"id":)" + QByteArray::number(id) + R"(,"jsonrpc":"2.0","result":{}})";
+}
+
+// The most memory the process has held so far, from the kernel's own account; -1 if unknown.
+qint64 peakMemoryBytes(qint64 processId)
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(processId));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n')) {
+        if (line.startsWith("VmHWM:"))
+            return line.mid(6).trimmed().split(' ').first().toLongLong() * 1024;
+    }
+    return -1;
+}
 
 class ProtocolTest : public ::testing::Test
 {
@@ -79,6 +113,10 @@ TEST_F(ProtocolTest, AnswersEachLineExactly)
     } cases[] = {
         {"blank line", "", ""},
         {"white space only", "  \t \r", ""},
+        {"Unicode white space only", " \xc2\xa0\xe2\x80\xa8\xe3\x80\x80", ""},
+        {"malformed UTF-8 reads as replacement characters",
+         "{\"id\":\"a\xff\",\"method\":\"ping\"}",
+         "{\"id\":\"a\xef\xbf\xbd\",\"jsonrpc\":\"2.0\",\"result\":{}}"},
         {"notification", R"({"jsonrpc":"2.0","method":"notifications/initialized"})", ""},
         {"unknown method as notification", R"({"method":"no/such"})", ""},
         {"ping without id", R"({"method":"ping"})", ""},
@@ -166,15 +204,14 @@ TEST_F(ProtocolTest, NegotiatesTheProtocolVersion)
 
 TEST_F(ProtocolTest, SurvivesHugeAndDeeplyNestedLines)
 {
-    const QByteArray padding(10 * 1024 * 1024, 'x');
+    const QByteArray padding(lineCap - 1024, 'x');
     const struct
     {
         const char *name;
         QByteArray line;
         QByteArray answerStart;
     } cases[] = {
-        {"10 MB request", R"({"id":1,"method":"ping","params":{"pad":")" + padding + R"("}})",
-         R"({"id":1,"jsonrpc":"2.0","result":{}})"},
+        {"10 MB request", paddedPing(1, lineCap - 1024), pingAnswer(1)},
         {"10 MB of garbage", padding, parseErrorPrefix},
         {"deeply nested arrays", QByteArray(200000, '[') + QByteArray(200000, ']'),
          parseErrorPrefix},
@@ -190,6 +227,62 @@ TEST_F(ProtocolTest, SurvivesHugeAndDeeplyNestedLines)
         EXPECT_EQ(m_server.readLine(), syncAnswer);
     }
     EXPECT_EQ(m_server.finish(), 0);
+}
+
+TEST_F(ProtocolTest, ReadsLinesUpToTheCapAndRefusesLongerOnes)
+{
+    const struct
+    {
+        const char *name;
+        QByteArray line;
+        QByteArray answer;
+    } cases[] = {
+        {"one byte under the cap", paddedPing(1, lineCap - 1), pingAnswer(1)},
+        {"exactly the cap", paddedPing(2, lineCap), pingAnswer(2)},
+        {"one byte over the cap", paddedPing(3, lineCap + 1), tooLongAnswer},
+        {"a carriage return counts", paddedPing(4, lineCap) + '\r', tooLongAnswer},
+        {"twice the cap", paddedPing(5, 2 * lineCap), tooLongAnswer},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        m_server.send(c.line);
+        EXPECT_EQ(m_server.readLine(), c.answer);
+        m_server.send(syncPing);
+        EXPECT_EQ(m_server.readLine(), syncAnswer);
+    }
+    EXPECT_EQ(m_server.finish(), 0);
+}
+
+TEST_F(ProtocolTest, SkipsA200MegabyteLineWithoutHoldingIt)
+{
+    m_server.send(syncPing);
+    EXPECT_EQ(m_server.readLine(), syncAnswer);
+    const qint64 idle = peakMemoryBytes(m_server.processId());
+    ASSERT_GT(idle, 0);
+
+    // The line goes out in pieces, so that only the server could be holding it whole.
+    const QByteArray piece(1024 * 1024, 'x');
+    for (int i = 0; i < 200; ++i)
+        m_server.write(piece);
+    m_server.send(R"("})");
+    EXPECT_EQ(m_server.readLine(), tooLongAnswer);
+    m_server.send(syncPing);
+    EXPECT_EQ(m_server.readLine(), syncAnswer);
+
+    // The bound is on what the line adds to the running server: the sanitizers of the test
+    // build alone take about 90 MB before the first request.
+    const qint64 peak = peakMemoryBytes(m_server.processId());
+    EXPECT_LT(peak - idle, 100 * 1024 * 1024) << "idle " << idle << ", peak " << peak;
+    EXPECT_EQ(m_server.finish(), 0);
+}
+
+TEST_F(ProtocolTest, AnswersALastLineWithoutALineFeed)
+{
+    m_server.send(syncPing);
+    EXPECT_EQ(m_server.readLine(), syncAnswer);
+    m_server.write(R"({"id":"last","method":"ping"})");
+    EXPECT_EQ(m_server.finish(), 0);
+    EXPECT_EQ(m_server.readLine(100), R"({"id":"last","jsonrpc":"2.0","result":{}})");
 }
 
 } // namespace

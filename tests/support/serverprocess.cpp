@@ -83,7 +83,12 @@ ServerProcess::~ServerProcess()
 
 void ServerProcess::send(const QByteArray &line)
 {
-    m_process.write(line + '\n');
+    write(line + '\n');
+}
+
+void ServerProcess::write(const QByteArray &bytes)
+{
+    m_process.write(bytes);
     m_process.waitForBytesWritten(20000);
 }
 

@@ -44,6 +44,8 @@ public:
 
     // Writes one raw line (a line feed is added) without waiting for an answer.
     void send(const QByteArray &line);
+    // Writes bytes exactly as given, without a line feed.
+    void write(const QByteArray &bytes);
     // Reads the next answer line; empty when none came within the timeout.
     QByteArray readLine(int timeoutMs = 20000);
     // Sends a line and parses the answer line as a JSON object.
@@ -63,6 +65,7 @@ public:
     int finish(int timeoutMs = 20000);
     QByteArray standardError();
     QString dataHome() const { return m_dataHome; }
+    qint64 processId() const { return m_process.processId(); }
 
 private:
     QProcess m_process;

@@ -240,3 +240,40 @@ TEST(Project, AddingAndTakingStampTheMembershipRevision)
     EXPECT_GT(project.membershipRevision(), added);
     EXPECT_EQ(project.calendar(), Calendar::defaultCalendar());
 }
+
+TEST(DocumentParentLoops, AreCutAtTheirSmallestIdSoEveryDocumentIsReachable)
+{
+    // Documents are named by the last digit of their id; parents as "child>parent" pairs.
+    struct Case
+    {
+        const char *name;
+        QList<std::pair<int, int>> links; // 0 as a parent means the top level
+        int expectedCuts;
+        QList<int> freed;
+    };
+    const Case cases[] = {
+        {"no loop", {{1, 0}, {2, 1}, {3, 2}}, 0, {}},
+        {"a document its own parent", {{1, 0}, {2, 2}}, 1, {2}},
+        {"two documents each other's parent", {{3, 4}, {4, 3}}, 1, {3}},
+        {"a loop of three with a tail into it", {{5, 6}, {6, 7}, {7, 5}, {8, 7}}, 1, {5}},
+        {"two separate loops", {{1, 2}, {2, 1}, {3, 4}, {4, 3}}, 2, {1, 3}},
+    };
+    const auto idOf = [](int n) {
+        return QUuid::fromString(u"00000000-0000-4000-8000-00000000000%1"_s.arg(n));
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        Project project;
+        for (const auto &[child, parent] : c.links)
+            addDocument(project, QString::number(child), 0, parent ? idOf(parent) : QUuid(), idOf(child));
+        EXPECT_EQ(repairDocumentParentLoops(project), c.expectedCuts);
+        for (const auto &[child, parent] : c.links) {
+            const bool freed = c.freed.contains(child);
+            EXPECT_EQ(project.objectAs<Document>(idOf(child))->parentId(),
+                      freed || !parent ? QUuid() : idOf(parent))
+                << child;
+        }
+        EXPECT_EQ(DocumentTree(project).readingOrder().size(), std::size_t(c.links.size()));
+        EXPECT_EQ(repairDocumentParentLoops(project), 0);
+    }
+}

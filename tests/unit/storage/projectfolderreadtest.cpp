@@ -51,8 +51,10 @@ TEST(ProjectFolder, WritesTheSampleBackByteForByte)
     QTemporaryDir dir;
     const QString copy = dir.filePath(u"nested/copy"_s);
     ProjectFolderWriter writer;
-    const auto report = writer.write(copy, **project);
-    ASSERT_TRUE(report) << report.error().toStdString();
+    fb::app::FolderWriteReport written;
+    const fb::app::SaveOutcome outcome = writer.write(copy, **project, &written);
+    ASSERT_TRUE(outcome.isSaved()) << outcome.message.toStdString();
+    const auto *report = &written;
 
     const QMap<QString, QByteArray> original = folderFiles(everythingFolder());
     ASSERT_EQ(original.size(), 20);
