@@ -65,11 +65,10 @@ struct MonthMatch
     qsizetype length = 1; // tokens taken
 };
 
-// The month named at token `at`. A name of several words is matched word by word, the longest
-// first, so that dates this file formats read back; a single token names the month it equals,
-// or else the one month whose name begins with it.
-std::optional<MonthMatch> monthAt(const QList<QStringList> &monthWords, const QStringList &tokens,
-                                  qsizetype at)
+// The month whose name of several words is spelled out from token `at`, the longest if several
+// are, so that dates this file formats read back.
+std::optional<MonthMatch> spelledMonthAt(const QList<QStringList> &monthWords,
+                                         const QStringList &tokens, qsizetype at)
 {
     std::optional<MonthMatch> longest;
     for (qsizetype index = 0; index < monthWords.size(); ++index) {
@@ -79,8 +78,16 @@ std::optional<MonthMatch> monthAt(const QList<QStringList> &monthWords, const QS
             longest = MonthMatch{index, words.size()};
         }
     }
-    if (longest)
-        return longest;
+    return longest;
+}
+
+// The month named at token `at`: a name of several words spelled out, else the month a single
+// token equals, or else the one month whose name begins with it.
+std::optional<MonthMatch> monthAt(const QList<QStringList> &monthWords, const QStringList &tokens,
+                                  qsizetype at)
+{
+    if (const std::optional<MonthMatch> spelled = spelledMonthAt(monthWords, tokens, at))
+        return spelled;
 
     const QString &token = tokens.at(at);
     for (qsizetype index = 0; index < monthWords.size(); ++index) {
@@ -222,9 +229,13 @@ std::optional<qint64> parseDate(const Calendar &calendar, const QString &text)
     QList<DateNumber> numbers;
     for (qsizetype at = 0; at < tokens.size();) {
         const QString &token = tokens.at(at);
-        if (token.compare(u"Year"_s, Qt::CaseInsensitive) == 0) {
+        // A month name spelled out in full is read before the word "Year" and the era label,
+        // so that a month such as "Year End" is not taken for the word and a stray name.
+        const bool isSpelledMonth = spelledMonthAt(monthWords, tokens, at).has_value();
+        const qsizetype eraLength = isSpelledMonth ? 0 : runLength(tokens, at, eraWords);
+        if (!isSpelledMonth && token.compare(u"Year"_s, Qt::CaseInsensitive) == 0) {
             ++at;
-        } else if (const qsizetype eraLength = runLength(tokens, at, eraWords); eraLength > 0) {
+        } else if (eraLength > 0) {
             at += eraLength;
         } else if (isInteger(token)) {
             bool fits = false;

@@ -39,7 +39,8 @@ const Calendar damaged = calendarOf({{QStringLiteral("A"), 3},
                                      {QStringLiteral("D"), 2}});
 const Calendar oneDay = calendarOf({{QStringLiteral("One"), 1}});
 const Calendar spoken =
-    calendarOf({{QStringLiteral("Deep Winter"), 40}, {QStringLiteral("Deep"), 10}},
+    calendarOf({{QStringLiteral("Deep Winter"), 40}, {QStringLiteral("Deep"), 10},
+                {QStringLiteral("Year End"), 5}},
                QStringLiteral("Third Age"));
 
 std::optional<qint64> at(const Calendar &calendar, BrokenDownDate date)
@@ -202,6 +203,8 @@ TEST(StoryTime, ParsesDatesInTheCalendarsTerms)
         {spoken, QStringLiteral("3 deep winter 5 THIRD age"), at(spoken, {5, 1, 3, 0, 0})},
         {spoken, QStringLiteral("3 Deep 5"), at(spoken, {5, 2, 3, 0, 0})},
         {spoken, QStringLiteral("3 Deep 5 Third"), refused},
+        {spoken, QStringLiteral("2 Year End, Year 5 Third Age"), at(spoken, {5, 3, 2, 0, 0})},
+        {spoken, QStringLiteral("Year End, Year 5"), at(spoken, {5, 3, 1, 0, 0})},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text.toStdString());
