@@ -18,6 +18,8 @@
 #include <functional>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 struct Row
@@ -31,7 +33,8 @@ double percentile(std::vector<double> values, double fraction)
     if (values.empty())
         return 0;
     std::sort(values.begin(), values.end());
-    const size_t index = std::min(values.size() - 1, size_t(fraction * double(values.size() - 1) + 0.5));
+    const size_t index = std::min(values.size() - 1,
+                                  size_t(fraction * double(values.size() - 1) + 0.5));
     return values[index];
 }
 
@@ -41,7 +44,7 @@ public:
     Server(const QString &binary, const QString &project, const QString &dataHome)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(QStringLiteral("XDG_DATA_HOME"), dataHome);
+        environment.insert(u"XDG_DATA_HOME"_s, dataHome);
         m_process.setProcessEnvironment(environment);
         m_process.setStandardErrorFile(QProcess::nullDevice());
         m_process.start(binary, {project});
@@ -79,17 +82,16 @@ public:
     double call(const QString &tool, const QJsonObject &arguments, QString *text = nullptr)
     {
         QJsonObject answer;
-        const double elapsed = request(
-            {{QStringLiteral("jsonrpc"), QStringLiteral("2.0")},
-             {QStringLiteral("id"), ++m_id},
-             {QStringLiteral("method"), QStringLiteral("tools/call")},
-             {QStringLiteral("params"), QJsonObject{{QStringLiteral("name"), tool},
-                                                    {QStringLiteral("arguments"), arguments}}}},
-            &answer);
-        const QJsonObject result = answer.value(QStringLiteral("result")).toObject();
-        const QString reply =
-            result.value(QStringLiteral("content")).toArray().first().toObject().value(QStringLiteral("text")).toString();
-        if (result.value(QStringLiteral("isError")).toBool() || answer.contains(QStringLiteral("error")))
+        const double elapsed = request({{u"jsonrpc"_s, u"2.0"_s},
+                                        {u"id"_s, ++m_id},
+                                        {u"method"_s, u"tools/call"_s},
+                                        {u"params"_s, QJsonObject{{u"name"_s, tool},
+                                                                  {u"arguments"_s, arguments}}}},
+                                       &answer);
+        const QJsonObject result = answer.value(u"result"_s).toObject();
+        const QString reply
+            = result.value(u"content"_s).toArray().first().toObject().value(u"text"_s).toString();
+        if (result.value(u"isError"_s).toBool() || answer.contains(u"error"_s))
             std::fprintf(stderr, "%s failed: %s\n", qPrintable(tool), qPrintable(reply.left(200)));
         if (text)
             *text = reply;
@@ -98,28 +100,27 @@ public:
 
     double initialize()
     {
-        return request({{QStringLiteral("jsonrpc"), QStringLiteral("2.0")},
-                        {QStringLiteral("id"), ++m_id},
-                        {QStringLiteral("method"), QStringLiteral("initialize")},
-                        {QStringLiteral("params"),
-                         QJsonObject{{QStringLiteral("protocolVersion"), QStringLiteral("2025-06-18")}}}});
+        return request({{u"jsonrpc"_s, u"2.0"_s},
+                        {u"id"_s, ++m_id},
+                        {u"method"_s, u"initialize"_s},
+                        {u"params"_s, QJsonObject{{u"protocolVersion"_s, u"2025-06-18"_s}}}});
     }
 
     QStringList toolNames()
     {
         QJsonObject answer;
-        request({{QStringLiteral("id"), ++m_id}, {QStringLiteral("method"), QStringLiteral("tools/list")}},
-                &answer);
+        request({{u"id"_s, ++m_id}, {u"method"_s, u"tools/list"_s}}, &answer);
         QStringList names;
-        for (const QJsonValue &tool : answer.value(QStringLiteral("result")).toObject().value(QStringLiteral("tools")).toArray())
-            names.append(tool.toObject().value(QStringLiteral("name")).toString());
+        for (const QJsonValue &tool :
+             answer.value(u"result"_s).toObject().value(u"tools"_s).toArray())
+            names.append(tool.toObject().value(u"name"_s).toString());
         return names;
     }
 
     // The largest resident set the process has had, from the kernel's own record.
     double peakMegabytes() const
     {
-        QFile status(QStringLiteral("/proc/%1/status").arg(m_process.processId()));
+        QFile status(u"/proc/%1/status"_s.arg(m_process.processId()));
         if (!status.open(QIODevice::ReadOnly))
             return 0;
         for (const QByteArray &line : status.readAll().split('\n')) {
@@ -168,7 +169,8 @@ int main(int argc, char **argv)
     QCoreApplication application(argc, argv);
     const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 3) {
-        std::fprintf(stderr, "Usage: fablery-bench-driver <server binary> <generated folder> [runs]\n");
+        std::fprintf(stderr,
+                     "Usage: fablery-bench-driver <server binary> <generated folder> [runs]\n");
         return 2;
     }
     const QString binary = arguments[1];
@@ -176,23 +178,24 @@ int main(int argc, char **argv)
     const int runs = arguments.size() > 3 ? arguments[3].toInt() : 20;
 
     QTemporaryDir scratch;
-    const QString folder = scratch.filePath(QStringLiteral("project"));
-    const QString bundle = scratch.filePath(QStringLiteral("project.fablery"));
-    if (!copyTree(QDir(generated).filePath(QStringLiteral("project")), folder)
-        || !QFile::copy(QDir(generated).filePath(QStringLiteral("project.fablery")), bundle)) {
+    const QString folder = scratch.filePath(u"project"_s);
+    const QString bundle = scratch.filePath(u"project.fablery"_s);
+    if (!copyTree(QDir(generated).filePath(u"project"_s), folder)
+        || !QFile::copy(QDir(generated).filePath(u"project.fablery"_s), bundle)) {
         std::fprintf(stderr, "Run the generator first: %s has no project.\n", qPrintable(generated));
         return 1;
     }
-    const QString dataHome = scratch.filePath(QStringLiteral("data"));
+    const QString dataHome = scratch.filePath(u"data"_s);
     std::vector<Row> rows;
-    const auto measure = [&](const QString &what, int count, const std::function<double(int)> &once) {
+    const auto measure = [&](const QString &what, int count,
+                             const std::function<double(int)> &once) {
         Row row{what, {}};
         for (int i = 0; i < count; ++i)
             row.milliseconds.push_back(once(i));
         rows.push_back(row);
     };
 
-    measure(QStringLiteral("start to \"initialize\" answer (folder)"), runs, [&](int) {
+    measure(u"start to \"initialize\" answer (folder)"_s, runs, [&](int) {
         QElapsedTimer timer;
         timer.start();
         Server server(binary, folder, dataHome);
@@ -204,7 +207,7 @@ int main(int argc, char **argv)
         Server first(binary, bundle, dataHome);
         first.initialize();
     }
-    measure(QStringLiteral("start to \"initialize\" answer (bundle)"), runs, [&](int) {
+    measure(u"start to \"initialize\" answer (bundle)"_s, runs, [&](int) {
         QElapsedTimer timer;
         timer.start();
         Server server(binary, bundle, dataHome);
@@ -217,36 +220,35 @@ int main(int argc, char **argv)
         Server server(binary, folder, dataHome);
         server.initialize();
         const QStringList tools = server.toolNames();
-        measure(QStringLiteral("\"tools/list\""), runs, [&](int) {
-            return server.request({{QStringLiteral("id"), 1}, {QStringLiteral("method"), QStringLiteral("tools/list")}});
+        measure(u"\"tools/list\""_s, runs, [&](int) {
+            return server.request({{u"id"_s, 1}, {u"method"_s, u"tools/list"_s}});
         });
-        measure(QStringLiteral("\"get_document\""), runs * 3, [&](int i) {
-            return server.call(QStringLiteral("get_document"),
-                               {{QStringLiteral("title"), QStringLiteral("Scene %1.%2").arg(i % 10 + 1).arg(i % 9 + 1)}});
+        measure(u"\"get_document\""_s, runs * 3, [&](int i) {
+            return server.call(u"get_document"_s,
+                               {{u"title"_s, u"Scene %1.%2"_s.arg(i % 10 + 1).arg(i % 9 + 1)}});
         });
-        measure(QStringLiteral("\"get_manuscript_tree\""), runs, [&](int) {
-            return server.call(QStringLiteral("get_manuscript_tree"), {});
-        });
-        if (tools.contains(QStringLiteral("search"))) {
-            measure(QStringLiteral("\"search\""), runs, [&](int i) {
-                return server.call(QStringLiteral("search"), {{QStringLiteral("query"), QStringLiteral("Alias %1").arg(200 + i)}});
+        measure(u"\"get_manuscript_tree\""_s, runs,
+                [&](int) { return server.call(u"get_manuscript_tree"_s, {}); });
+        if (tools.contains(u"search"_s)) {
+            measure(u"\"search\""_s, runs, [&](int i) {
+                return server.call(u"search"_s, {{u"query"_s, u"Alias %1"_s.arg(200 + i)}});
             });
         }
-        if (tools.contains(QStringLiteral("get_entity"))) {
-            measure(QStringLiteral("\"get_entity\" (with mentions)"), runs, [&](int i) {
-                return server.call(QStringLiteral("get_entity"), {{QStringLiteral("name"), QStringLiteral("Entity %1").arg(100 + i)}});
+        if (tools.contains(u"get_entity"_s)) {
+            measure(u"\"get_entity\" (with mentions)"_s, runs, [&](int i) {
+                return server.call(u"get_entity"_s, {{u"name"_s, u"Entity %1"_s.arg(100 + i)}});
             });
         }
-        measure(QStringLiteral("\"append_to_document\" (folder)"), runs * 3, [&](int i) {
-            return server.call(QStringLiteral("append_to_document"),
-                               {{QStringLiteral("title"), QStringLiteral("Scene %1.%2").arg(i % 10 + 1).arg(i % 9 + 1)},
-                                {QStringLiteral("text"), QStringLiteral("One more line of prose for the benchmark.")}});
+        measure(u"\"append_to_document\" (folder)"_s, runs * 3, [&](int i) {
+            return server.call(u"append_to_document"_s,
+                               {{u"title"_s, u"Scene %1.%2"_s.arg(i % 10 + 1).arg(i % 9 + 1)},
+                                {u"text"_s, u"One more line of prose for the benchmark."_s}});
         });
-        if (tools.contains(QStringLiteral("update_entity"))) {
-            measure(QStringLiteral("\"update_entity\" (folder)"), runs * 3, [&](int i) {
-                return server.call(QStringLiteral("update_entity"),
-                                   {{QStringLiteral("entity"), QStringLiteral("Entity %1").arg(i + 1)},
-                                    {QStringLiteral("tags"), QJsonArray{QStringLiteral("bench%1").arg(i)}}});
+        if (tools.contains(u"update_entity"_s)) {
+            measure(u"\"update_entity\" (folder)"_s, runs * 3, [&](int i) {
+                return server.call(u"update_entity"_s,
+                                   {{u"entity"_s, u"Entity %1"_s.arg(i + 1)},
+                                    {u"tags"_s, QJsonArray{u"bench%1"_s.arg(i)}}});
             });
         }
         folderPeak = server.peakMegabytes();
@@ -257,17 +259,16 @@ int main(int argc, char **argv)
     {
         Server server(binary, folder, dataHome);
         server.initialize();
-        measure(QStringLiteral("\"find_replace\" listing"), runs, [&](int) {
-            return server.call(QStringLiteral("find_replace"), {{QStringLiteral("find"), QStringLiteral("harbor")},
-                                                                {QStringLiteral("dry_run"), true}});
+        measure(u"\"find_replace\" listing"_s, runs, [&](int) {
+            return server.call(u"find_replace"_s, {{u"find"_s, u"harbor"_s}, {u"dry_run"_s, true}});
         });
         // Every scene holds the word, so each replacement rewrites the whole manuscript.
-        measure(QStringLiteral("\"find_replace\" across every document"), 4, [&](int i) {
+        measure(u"\"find_replace\" across every document"_s, 4, [&](int i) {
             const bool forth = i % 2 == 0;
-            return server.call(QStringLiteral("find_replace"),
-                               {{QStringLiteral("find"), forth ? QStringLiteral("harbor") : QStringLiteral("harbour")},
-                                {QStringLiteral("replace"), forth ? QStringLiteral("harbour") : QStringLiteral("harbor")},
-                                {QStringLiteral("whole_word"), true}});
+            return server.call(u"find_replace"_s,
+                               {{u"find"_s, forth ? u"harbor"_s : u"harbour"_s},
+                                {u"replace"_s, forth ? u"harbour"_s : u"harbor"_s},
+                                {u"whole_word"_s, true}});
         });
         replacePeak = server.peakMegabytes();
     }
@@ -275,22 +276,23 @@ int main(int argc, char **argv)
     {
         Server server(binary, bundle, dataHome);
         server.initialize();
-        measure(QStringLiteral("\"append_to_document\" (bundle)"), runs, [&](int i) {
-            return server.call(QStringLiteral("append_to_document"),
-                               {{QStringLiteral("title"), QStringLiteral("Scene %1.%2").arg(i % 10 + 1).arg(i % 9 + 1)},
-                                {QStringLiteral("text"), QStringLiteral("One more line of prose for the benchmark.")}});
+        measure(u"\"append_to_document\" (bundle)"_s, runs, [&](int i) {
+            return server.call(u"append_to_document"_s,
+                               {{u"title"_s, u"Scene %1.%2"_s.arg(i % 10 + 1).arg(i % 9 + 1)},
+                                {u"text"_s, u"One more line of prose for the benchmark."_s}});
         });
-        if (server.toolNames().contains(QStringLiteral("update_entity"))) {
-            measure(QStringLiteral("\"update_entity\" (bundle)"), runs, [&](int i) {
-                return server.call(QStringLiteral("update_entity"),
-                                   {{QStringLiteral("entity"), QStringLiteral("Entity %1").arg(i + 1)},
-                                    {QStringLiteral("tags"), QJsonArray{QStringLiteral("bundle%1").arg(i)}}});
+        if (server.toolNames().contains(u"update_entity"_s)) {
+            measure(u"\"update_entity\" (bundle)"_s, runs, [&](int i) {
+                return server.call(u"update_entity"_s,
+                                   {{u"entity"_s, u"Entity %1"_s.arg(i + 1)},
+                                    {u"tags"_s, QJsonArray{u"bundle%1"_s.arg(i)}}});
             });
         }
         bundlePeak = server.peakMegabytes();
     }
 
-    std::printf("Project: %.1f MB on disk in %s\n\n", folderMegabytes(folder), qPrintable(generated));
+    std::printf("Project: %.1f MB on disk in %s\n\n", folderMegabytes(folder),
+                qPrintable(generated));
     std::printf("| measurement | runs | median ms | p95 ms |\n|---|---:|---:|---:|\n");
     for (const Row &row : rows) {
         std::printf("| %s | %zu | %.2f | %.2f |\n", qPrintable(row.what), row.milliseconds.size(),

@@ -16,6 +16,8 @@
 #include <cstdio>
 #include <random>
 
+using namespace Qt::StringLiterals;
+
 namespace {
 
 using namespace fb;
@@ -38,7 +40,9 @@ const Size largeSize{100, 19, 526, 20, 5000, 2000, 500};
 class Generator
 {
 public:
-    explicit Generator(quint64 seed) : m_random(seed) {}
+    explicit Generator(quint64 seed)
+        : m_random(seed)
+    {}
 
     QUuid id()
     {
@@ -57,17 +61,20 @@ public:
 
     QString words(int count)
     {
-        static const char *const vocabulary[] = {
-            "the", "lantern", "harbor", "salt", "road", "ledger", "archive", "tide", "ferry",
-            "smoke", "quiet", "night", "lamp", "rope", "stone", "river", "north", "window",
-            "paper", "voice", "and", "of", "to", "in", "she", "he", "was", "had", "with", "at",
-            "a", "her", "his", "not", "on", "for", "light", "dark", "cold", "shore"};
+        static const char *const vocabulary[] = {"the",    "lantern", "harbor", "salt",  "road",
+                                                 "ledger", "archive", "tide",   "ferry", "smoke",
+                                                 "quiet",  "night",   "lamp",   "rope",  "stone",
+                                                 "river",  "north",   "window", "paper", "voice",
+                                                 "and",    "of",      "to",     "in",    "she",
+                                                 "he",     "was",     "had",    "with",  "at",
+                                                 "a",      "her",     "his",    "not",   "on",
+                                                 "for",    "light",   "dark",   "cold",  "shore"};
         constexpr int vocabularySize = int(sizeof vocabulary / sizeof *vocabulary);
         QString text;
         text.reserve(count * 6);
         for (int i = 0; i < count; ++i) {
             if (i > 0)
-                text += (i % 90 == 0) ? QStringLiteral("\n\n") : QStringLiteral(" ");
+                text += (i % 90 == 0) ? u"\n\n"_s : u" "_s;
             text += QLatin1StringView(vocabulary[below(vocabularySize)]);
         }
         return text + u'.';
@@ -81,55 +88,55 @@ std::unique_ptr<core::Project> buildProject(const Size &size)
 {
     Generator gen(20261122);
     auto project = std::make_unique<core::Project>();
-    project->setName(QStringLiteral("Benchmark Novel"));
+    project->setName(u"Benchmark Novel"_s);
 
     for (int c = 0; c < size.chapters; ++c) {
-        auto chapter = std::make_unique<core::Document>(QStringLiteral("Chapter %1").arg(c + 1), gen.id());
+        auto chapter = std::make_unique<core::Document>(u"Chapter %1"_s.arg(c + 1), gen.id());
         chapter->setSortIndex(c);
         chapter->setSynopsis(gen.words(12));
         const QUuid chapterId = chapter->id();
         project->addObject(std::move(chapter));
         for (int s = 0; s < size.scenesPerChapter; ++s) {
-            auto scene = std::make_unique<core::Document>(
-                QStringLiteral("Scene %1.%2").arg(c + 1).arg(s + 1), gen.id());
+            auto scene = std::make_unique<core::Document>(u"Scene %1.%2"_s.arg(c + 1).arg(s + 1),
+                                                          gen.id());
             scene->setParentId(chapterId);
             scene->setSortIndex(s);
             scene->setBody(gen.words(size.wordsPerScene));
-            scene->setStatus(QStringLiteral("Draft"));
+            scene->setStatus(u"Draft"_s);
             project->addObject(std::move(scene));
         }
     }
 
     std::vector<QUuid> categories;
     for (int c = 0; c < size.categories; ++c) {
-        auto category = std::make_unique<core::Category>(QStringLiteral("Category %1").arg(c + 1),
-                                                         QUuid(), gen.id());
-        category->setFields({{QStringLiteral("summary"), QStringLiteral("Summary")},
-                             {QStringLiteral("origin"), QStringLiteral("Origin")},
-                             {QStringLiteral("rank"), QStringLiteral("Rank"), core::FieldType::Number}});
+        auto category = std::make_unique<core::Category>(u"Category %1"_s.arg(c + 1), QUuid(),
+                                                         gen.id());
+        category->setFields({{u"summary"_s, u"Summary"_s},
+                             {u"origin"_s, u"Origin"_s},
+                             {u"rank"_s, u"Rank"_s, core::FieldType::Number}});
         categories.push_back(category->id());
         project->categories().add(std::move(category));
     }
     std::vector<QUuid> entities;
     for (int e = 0; e < size.entities; ++e) {
         auto entity = std::make_unique<core::Entity>(gen.id());
-        entity->setName(QStringLiteral("Entity %1").arg(e + 1));
+        entity->setName(u"Entity %1"_s.arg(e + 1));
         entity->setCategoryId(categories[size_t(e) % categories.size()]);
-        entity->setAliases({QStringLiteral("Alias %1").arg(e + 1)});
-        entity->setValues({{QStringLiteral("summary"), gen.words(20)},
-                           {QStringLiteral("origin"), gen.words(3)},
-                           {QStringLiteral("rank"), QString::number(gen.below(100))}});
+        entity->setAliases({u"Alias %1"_s.arg(e + 1)});
+        entity->setValues({{u"summary"_s, gen.words(20)},
+                           {u"origin"_s, gen.words(3)},
+                           {u"rank"_s, QString::number(gen.below(100))}});
         entities.push_back(entity->id());
         project->addObject(std::move(entity));
     }
 
-    auto timeline = std::make_unique<core::Timeline>(QStringLiteral("Main timeline"), gen.id());
+    auto timeline = std::make_unique<core::Timeline>(u"Main timeline"_s, gen.id());
     const QUuid timelineId = timeline->id();
     project->addObject(std::move(timeline));
     for (int e = 0; e < size.events; ++e) {
         auto event = std::make_unique<core::TimelineEvent>(gen.id());
         event->setTimelineId(timelineId);
-        event->setTitle(QStringLiteral("Event %1").arg(e + 1));
+        event->setTitle(u"Event %1"_s.arg(e + 1));
         event->setStartMinute(qint64(e) * 1440 * 3 + gen.below(1440));
         event->setDurationMinutes(60 + gen.below(600));
         event->setParticipants({entities[size_t(gen.below(int(entities.size())))],
@@ -139,9 +146,9 @@ std::unique_ptr<core::Project> buildProject(const Size &size)
         project->addObject(std::move(event));
     }
     for (int t = 0; t < size.tasks; ++t) {
-        auto task = std::make_unique<core::Task>(QStringLiteral("Task %1").arg(t + 1), gen.id());
+        auto task = std::make_unique<core::Task>(u"Task %1"_s.arg(t + 1), gen.id());
         task->setDescription(gen.words(15));
-        task->setStatus(t % 3 == 0 ? QStringLiteral("Done") : QStringLiteral("To Do"));
+        task->setStatus(t % 3 == 0 ? u"Done"_s : u"To Do"_s);
         project->addObject(std::move(task));
     }
     return project;
@@ -159,7 +166,7 @@ int main(int argc, char **argv)
     }
     const Size &size = arguments[1] == u"large" ? largeSize : smallSize;
     const QString output = arguments[2];
-    const QString folder = QDir(output).filePath(QStringLiteral("project"));
+    const QString folder = QDir(output).filePath(u"project"_s);
     QDir(folder).removeRecursively();
 
     const std::unique_ptr<core::Project> project = buildProject(size);
@@ -169,7 +176,7 @@ int main(int argc, char **argv)
         return 1;
     }
     const auto packed = app::packFolder(folder);
-    QSaveFile bundle(QDir(output).filePath(QStringLiteral("project.fablery")));
+    QSaveFile bundle(QDir(output).filePath(u"project.fablery"_s));
     if (!packed || !bundle.open(QIODevice::WriteOnly) || bundle.write(*packed) != packed->size()
         || !bundle.commit()) {
         std::fprintf(stderr, "Could not write the bundle.\n");

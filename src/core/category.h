@@ -28,8 +28,7 @@ class Category
 {
 public:
     explicit Category(const QUuid &id = QUuid::createUuid());
-    explicit Category(const QString &name,
-                      const QUuid &parentId = QUuid(),
+    explicit Category(const QString &name, const QUuid &parentId = QUuid(),
                       const QUuid &id = QUuid::createUuid());
 
     const QUuid &id() const { return m_id; }

@@ -191,9 +191,8 @@ bool CategoryTree::isInSubtree(const QUuid &id, const QUuid &rootId) const
     if (id == rootId)
         return true;
     const std::vector<const Category *> chain = ancestors(id);
-    return std::any_of(chain.begin(), chain.end(), [&](const Category *ancestor) {
-        return ancestor->id() == rootId;
-    });
+    return std::any_of(chain.begin(), chain.end(),
+                       [&](const Category *ancestor) { return ancestor->id() == rootId; });
 }
 
 QList<CategoryTree::SchemaField> CategoryTree::effectiveSchema(const QUuid &id) const

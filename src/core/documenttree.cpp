@@ -12,11 +12,15 @@ namespace fb::core {
 
 DocumentTree::DocumentTree(const Project &project)
 {
-    for (const Document *document : project.objectsOfType<Document>())
-        m_children[document->parentId()].push_back(document);
+    // A document whose parent is missing (or is no document) stands at the top level, so that
+    // damaged data never hides a document from the tree.
+    for (const Document *document : project.objectsOfType<Document>()) {
+        const QUuid parent = project.objectAs<Document>(document->parentId()) ? document->parentId()
+                                                                              : QUuid();
+        m_children[parent].push_back(document);
+    }
     for (auto &entry : m_children) {
-        std::sort(entry.second.begin(),
-                  entry.second.end(),
+        std::sort(entry.second.begin(), entry.second.end(),
                   [](const Document *a, const Document *b) { return precedesSibling(*a, *b); });
     }
 }
@@ -67,9 +71,10 @@ int repairDocumentParentLoops(Project &project)
         }
         if (current && state.value(current->id()) == Walk::OnPath) {
             const auto loopStart = std::find(path.begin(), path.end(), current);
-            Document *freed = *std::min_element(loopStart, path.end(), [](const Document *a, const Document *b) {
-                return IdTextLess()(a->id(), b->id());
-            });
+            Document *freed = *std::min_element(loopStart, path.end(),
+                                                [](const Document *a, const Document *b) {
+                                                    return IdTextLess()(a->id(), b->id());
+                                                });
             freed->setParentId(QUuid());
             ++cut;
         }

@@ -27,7 +27,7 @@ public:
     explicit DocumentTree(const Project &project);
 
     // The documents whose parent is parentId, in sibling order; the null id gives the top
-    // level. A document whose parent does not exist belongs to no reachable subtree.
+    // level, which also holds the documents whose parent does not exist.
     const std::vector<const Document *> &children(const QUuid &parentId) const;
 
     // The descendants of parentId in reading order (depth-first, a parent before its subtree),

@@ -15,21 +15,10 @@ QString lookUp(const std::array<QStringView, N> &table, qint32 code)
 
 QString objectTypeNoun(ObjectType type)
 {
-    static constexpr std::array<QStringView, 15> nouns{u"document",
-                                                       u"entity",
-                                                       u"spreadsheet",
-                                                       u"chart",
-                                                       u"map",
-                                                       u"timeline",
-                                                       u"timeline event",
-                                                       u"media item",
-                                                       u"source",
-                                                       u"task",
-                                                       u"canvas",
-                                                       u"comment",
-                                                       u"language",
-                                                       u"random table",
-                                                       u"stat block"};
+    static constexpr std::array<QStringView, 15>
+        nouns{u"document", u"entity",         u"spreadsheet", u"chart",        u"map",
+              u"timeline", u"timeline event", u"media item",  u"source",       u"task",
+              u"canvas",   u"comment",        u"language",    u"random table", u"stat block"};
     return lookUp(nouns, static_cast<qint32>(type));
 }
 

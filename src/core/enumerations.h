@@ -86,21 +86,10 @@ struct EnumNameTable;
 template<>
 struct EnumNameTable<ObjectType>
 {
-    static constexpr std::array<QStringView, 15> names{u"document",
-                                                       u"entity",
-                                                       u"spreadsheet",
-                                                       u"chart",
-                                                       u"map",
-                                                       u"timeline",
-                                                       u"timeline_event",
-                                                       u"media",
-                                                       u"source",
-                                                       u"task",
-                                                       u"canvas",
-                                                       u"comment",
-                                                       u"language",
-                                                       u"random_table",
-                                                       u"stat_block"};
+    static constexpr std::array<QStringView, 15>
+        names{u"document", u"entity",         u"spreadsheet", u"chart",        u"map",
+              u"timeline", u"timeline_event", u"media",       u"source",       u"task",
+              u"canvas",   u"comment",        u"language",    u"random_table", u"stat_block"};
 };
 
 template<>
@@ -118,32 +107,25 @@ struct EnumNameTable<TaskPriority>
 template<>
 struct EnumNameTable<SubmissionKind>
 {
-    static constexpr std::array<QStringView, 5> names{
-        u"agent", u"publisher", u"magazine", u"contest", u"other"};
+    static constexpr std::array<QStringView, 5> names{u"agent", u"publisher", u"magazine",
+                                                      u"contest", u"other"};
 };
 
 template<>
 struct EnumNameTable<FieldType>
 {
-    static constexpr std::array<QStringView, 7> names{
-        u"text", u"number", u"boolean", u"date", u"reference", u"choice", u"url"};
+    static constexpr std::array<QStringView, 7> names{u"text",      u"number", u"boolean", u"date",
+                                                      u"reference", u"choice", u"url"};
 };
 
 // The tokens of source kinds, used in tool arguments and stored files.
 template<>
 struct EnumNameTable<SourceKind>
 {
-    static constexpr std::array<QStringView, 11> names{u"book",
-                                                       u"chapter",
-                                                       u"article-journal",
-                                                       u"article-magazine",
-                                                       u"article-newspaper",
-                                                       u"webpage",
-                                                       u"report",
-                                                       u"thesis",
-                                                       u"paper-conference",
-                                                       u"manuscript",
-                                                       u"other"};
+    static constexpr std::array<QStringView, 11>
+        names{u"book",    u"chapter", u"article-journal", u"article-magazine", u"article-newspaper",
+              u"webpage", u"report",  u"thesis",          u"paper-conference", u"manuscript",
+              u"other"};
 };
 
 template<>
@@ -179,8 +161,8 @@ struct EnumNameTable<CellAlignment>
 template<>
 struct EnumNameTable<NumberFormat>
 {
-    static constexpr std::array<QStringView, 5> names{
-        u"general", u"number", u"currency", u"percent", u"scientific"};
+    static constexpr std::array<QStringView, 5> names{u"general", u"number", u"currency",
+                                                      u"percent", u"scientific"};
 };
 
 template<typename E>

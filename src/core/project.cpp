@@ -35,9 +35,8 @@ std::vector<DocumentPointer> collectChildren(const ObjectMap &objects, const QUu
         if (document && document->parentId() == parentId)
             result.push_back(document);
     }
-    std::sort(result.begin(), result.end(), [](const Document *a, const Document *b) {
-        return precedesSibling(*a, *b);
-    });
+    std::sort(result.begin(), result.end(),
+              [](const Document *a, const Document *b) { return precedesSibling(*a, *b); });
     return result;
 }
 

@@ -21,11 +21,15 @@ inline Error makeError(QString message)
 // A value or a one-sentence error. Every fallible lookup, reader and parser returns one, so
 // failures travel as values and callers return early.
 template<typename T>
-class Result
+class [[nodiscard]] Result
 {
 public:
-    Result(T value) : m_value(std::move(value)) {}
-    Result(Error error) : m_error(std::move(error.message)) {}
+    Result(T value)
+        : m_value(std::move(value))
+    {}
+    Result(Error error)
+        : m_error(std::move(error.message))
+    {}
 
     bool hasValue() const { return m_value.has_value(); }
     explicit operator bool() const { return hasValue(); }
@@ -47,11 +51,14 @@ private:
 
 // A Result that carries no value: success, or the error sentence.
 template<>
-class Result<void>
+class [[nodiscard]] Result<void>
 {
 public:
     Result() = default;
-    Result(Error error) : m_failed(true), m_error(std::move(error.message)) {}
+    Result(Error error)
+        : m_failed(true)
+        , m_error(std::move(error.message))
+    {}
 
     bool hasValue() const { return !m_failed; }
     explicit operator bool() const { return !m_failed; }

@@ -4,10 +4,20 @@
 
 namespace fb::core {
 
+namespace {
+
+std::atomic<quint64> counter{0};
+
+} // namespace
+
 quint64 nextRevision()
 {
-    static std::atomic<quint64> counter{0};
     return ++counter;
+}
+
+quint64 latestRevision()
+{
+    return counter.load();
 }
 
 } // namespace fb::core

@@ -10,4 +10,8 @@ namespace fb::core {
 // last wrote and skips whatever still carries it.
 quint64 nextRevision();
 
+// The stamp handed out last. It moves whenever anything in any model changes, so a value
+// derived from a model can be kept for as long as this stays the same.
+quint64 latestRevision();
+
 } // namespace fb::core

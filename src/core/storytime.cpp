@@ -152,8 +152,8 @@ BrokenDownDate breakDown(const Calendar &calendar, qint64 instant)
 std::optional<qint64> compose(const Calendar &calendar, const BrokenDownDate &date)
 {
     qint64 days = 0;
-    const qint64 monthsBefore =
-        std::clamp<qint64>(qint64(date.month) - 1, 0, calendar.months.size());
+    const qint64 monthsBefore = std::clamp<qint64>(qint64(date.month) - 1, 0,
+                                                   calendar.months.size());
     for (qsizetype index = 0; index < monthsBefore; ++index)
         days += calendar.months.at(index).days;
 
@@ -193,8 +193,8 @@ QString formatInstant(const Calendar &calendar, qint64 instant)
     const QString monthName = date.month >= 1 && date.month <= calendar.months.size()
                                   ? calendar.months.at(date.month - 1).name
                                   : QString::number(date.month);
-    QString text =
-        u"%1 %2, Year %3"_s.arg(QString::number(date.day), monthName, QString::number(date.year));
+    QString text = u"%1 %2, Year %3"_s.arg(QString::number(date.day), monthName,
+                                           QString::number(date.year));
     if (!calendar.eraName.isEmpty())
         text += u' ' + calendar.eraName;
     if (date.hour != 0 || date.minute != 0)

@@ -3,6 +3,8 @@
 #include <QJsonDocument>
 #include <QJsonParseError>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 namespace {
@@ -24,37 +26,32 @@ JsonRpcMessage parseJsonRpcMessage(const QByteArray &line)
         return message;
     }
     if (!document.isObject()) {
-        message.error = QStringLiteral("A JSON-RPC message must be a JSON object.");
+        message.error = u"A JSON-RPC message must be a JSON object."_s;
         return message;
     }
     const QJsonObject object = document.object();
-    const QJsonValue method = object.value(QStringLiteral("method"));
+    const QJsonValue method = object.value(u"method"_s);
     if (!method.isString() || method.toString().isEmpty()) {
-        message.error = QStringLiteral("A JSON-RPC request must carry a string \"method\".");
+        message.error = u"A JSON-RPC request must carry a string \"method\"."_s;
         return message;
     }
     message.valid = true;
     message.method = method.toString();
-    message.isNotification = !object.contains(QStringLiteral("id"));
-    message.id = message.isNotification ? QJsonValue(QJsonValue::Null)
-                                        : object.value(QStringLiteral("id"));
-    message.params = object.value(QStringLiteral("params")).toObject();
+    message.isNotification = !object.contains(u"id"_s);
+    message.id = message.isNotification ? QJsonValue(QJsonValue::Null) : object.value(u"id"_s);
+    message.params = object.value(u"params"_s).toObject();
     return message;
 }
 
 QString jsonRpcResult(const QJsonValue &id, const QJsonObject &result)
 {
-    return serialise({{QStringLiteral("jsonrpc"), QStringLiteral("2.0")},
-                      {QStringLiteral("id"), id},
-                      {QStringLiteral("result"), result}});
+    return serialise({{u"jsonrpc"_s, u"2.0"_s}, {u"id"_s, id}, {u"result"_s, result}});
 }
 
 QString jsonRpcError(const QJsonValue &id, int code, const QString &message)
 {
-    const QJsonObject error{{QStringLiteral("code"), code}, {QStringLiteral("message"), message}};
-    return serialise({{QStringLiteral("jsonrpc"), QStringLiteral("2.0")},
-                      {QStringLiteral("id"), id},
-                      {QStringLiteral("error"), error}});
+    const QJsonObject error{{u"code"_s, code}, {u"message"_s, message}};
+    return serialise({{u"jsonrpc"_s, u"2.0"_s}, {u"id"_s, id}, {u"error"_s, error}});
 }
 
 } // namespace fb::app

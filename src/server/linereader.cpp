@@ -12,8 +12,7 @@ LineReader::LineReader(int fileDescriptor, qsizetype maxLineLength, qsizetype ch
     : m_fileDescriptor(fileDescriptor)
     , m_maxLineLength(maxLineLength)
     , m_chunk(std::max<qsizetype>(chunkSize, 1), Qt::Uninitialized)
-{
-}
+{}
 
 std::optional<InputLine> LineReader::next()
 {

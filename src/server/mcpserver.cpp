@@ -4,21 +4,21 @@
 
 #include <QJsonArray>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 McpServer::McpServer(QString name, QString version, QString instructions)
     : m_name(std::move(name))
     , m_version(std::move(version))
     , m_instructions(std::move(instructions))
-{
-}
+{}
 
 const QStringList &McpServer::supportedProtocolVersions()
 {
     // Oldest first; the last one is the server's own version, offered when the client asks
     // for one the server does not know.
-    static const QStringList versions{QStringLiteral("2024-11-05"), QStringLiteral("2025-03-26"),
-                                      QStringLiteral("2025-06-18")};
+    static const QStringList versions{u"2024-11-05"_s, u"2025-03-26"_s, u"2025-06-18"_s};
     return versions;
 }
 
@@ -82,53 +82,48 @@ std::optional<QString> McpServer::handleLine(const QByteArray &line)
     if (message.method == u"ping")
         return jsonRpcResult(message.id, QJsonObject());
     return jsonRpcError(message.id, JsonRpcCode::MethodNotFound,
-                        QStringLiteral("Unknown method: %1").arg(message.method));
+                        u"Unknown method: %1"_s.arg(message.method));
 }
 
 QJsonObject McpServer::initializeResult(const QJsonObject &params) const
 {
-    const QString requested = params.value(QStringLiteral("protocolVersion")).toString();
+    const QString requested = params.value(u"protocolVersion"_s).toString();
     // The server never refuses a version: an unknown one is answered with the newest it has.
     const QString version = supportedProtocolVersions().contains(requested)
                                 ? requested
                                 : supportedProtocolVersions().last();
-    return {{QStringLiteral("protocolVersion"), version},
-            {QStringLiteral("capabilities"),
-             QJsonObject{{QStringLiteral("tools"), QJsonObject()}}},
-            {QStringLiteral("serverInfo"),
-             QJsonObject{{QStringLiteral("name"), m_name}, {QStringLiteral("version"), m_version}}},
-            {QStringLiteral("instructions"), m_instructions}};
+    return {{u"protocolVersion"_s, version},
+            {u"capabilities"_s, QJsonObject{{u"tools"_s, QJsonObject()}}},
+            {u"serverInfo"_s, QJsonObject{{u"name"_s, m_name}, {u"version"_s, m_version}}},
+            {u"instructions"_s, m_instructions}};
 }
 
 QJsonObject McpServer::listTools() const
 {
     QJsonArray tools;
     for (const McpToolDescriptor &tool : m_tools) {
-        tools.append(QJsonObject{{QStringLiteral("name"), tool.name},
-                                 {QStringLiteral("description"), tool.description},
-                                 {QStringLiteral("inputSchema"), tool.inputSchema}});
+        tools.append(QJsonObject{{u"name"_s, tool.name},
+                                 {u"description"_s, tool.description},
+                                 {u"inputSchema"_s, tool.inputSchema}});
     }
-    return {{QStringLiteral("tools"), tools}};
+    return {{u"tools"_s, tools}};
 }
 
 QString McpServer::callTool(const QJsonValue &id, const QJsonObject &params)
 {
-    const QString name = params.value(QStringLiteral("name")).toString();
+    const QString name = params.value(u"name"_s).toString();
     const auto handler = m_handlers.constFind(name);
     if (handler == m_handlers.constEnd()) {
-        return jsonRpcError(id, JsonRpcCode::InvalidParams,
-                            QStringLiteral("Unknown tool: %1").arg(name));
+        return jsonRpcError(id, JsonRpcCode::InvalidParams, u"Unknown tool: %1"_s.arg(name));
     }
-    const QJsonObject arguments = params.value(QStringLiteral("arguments")).toObject();
+    const QJsonObject arguments = params.value(u"arguments"_s).toObject();
     const auto runTool = [&] { return (*handler)(arguments); };
     const McpToolResult outcome = m_toolCallHook ? m_toolCallHook(runTool) : runTool();
     QJsonObject result{
-        {QStringLiteral("content"),
-         QJsonArray{QJsonObject{{QStringLiteral("type"), QStringLiteral("text")},
-                                {QStringLiteral("text"), outcome.text}}}}};
+        {u"content"_s, QJsonArray{QJsonObject{{u"type"_s, u"text"_s}, {u"text"_s, outcome.text}}}}};
     // Success leaves "isError" out altogether rather than writing it as false.
     if (!outcome.ok)
-        result.insert(QStringLiteral("isError"), true);
+        result.insert(u"isError"_s, true);
     return jsonRpcResult(id, result);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "server/mcptooldescriptor.h"
 #include "server/mcptoolresult.h"
-#include "server/toolschema.h"
 
 #include <QHash>
 #include <QJsonObject>

@@ -3,8 +3,9 @@
 #include "server/jsonrpc.h"
 #include "server/linereader.h"
 #include "server/mcpserver.h"
-#include "storage/mcpchangelog.h"
 #include "storage/workspace.h"
+#include "tools/common/mcpchangelog.h"
+#include "tools/common/toolcontext.h"
 #include "tools/registration.h"
 
 #include <QGuiApplication>
@@ -13,6 +14,8 @@
 #include <memory>
 
 #include <unistd.h>
+
+using namespace Qt::StringLiterals;
 
 namespace fb::app {
 
@@ -23,13 +26,12 @@ const char *const usageText = "Usage: fablery-mcp <project path>\n"
 
 QString instructionsText()
 {
-    return QStringLiteral(
-        "This server operates one Fablery project. Address objects by NAME (entities also "
-        "resolve by alias); when a name is ambiguous the tool says so. Every mutating tool call "
-        "applies as ONE undo step and saves the project immediately -- undo_last reverts the "
-        "most recent one. If the project is also open in the Fablery desktop app, the app "
-        "notices these saves and offers to merge them; that is the intended workflow, not a "
-        "conflict.");
+    return u"This server operates one Fablery project. Address objects by NAME (entities also "
+           "resolve by alias); when a name is ambiguous the tool says so. Every mutating tool call "
+           "applies as ONE undo step and saves the project immediately -- undo_last reverts the "
+           "most recent one. If the project is also open in the Fablery desktop app, the app "
+           "notices these saves and offers to merge them; that is the intended workflow, not a "
+           "conflict."_s;
 }
 
 // Standard error is the writer's log of this server: it carries the server's own sentences, not
@@ -39,7 +41,7 @@ void toolkitMessageFilter(QtMsgType type, const QMessageLogContext &, const QStr
 {
     if (type != QtCriticalMsg && type != QtFatalMsg)
         return;
-    const QByteArray bytes = (QStringLiteral("fablery-mcp: ") + message + u'\n').toUtf8();
+    const QByteArray bytes = (u"fablery-mcp: "_s + message + u'\n').toUtf8();
     std::fwrite(bytes.constData(), 1, size_t(bytes.size()), stderr);
 }
 
@@ -52,27 +54,10 @@ void writeError(const QString &text)
 
 Result<std::unique_ptr<Workspace>> openProject(const QString &path)
 {
-    if (path.endsWith(QStringLiteral(".fablery"), Qt::CaseInsensitive)) {
-        return Workspace::openBundle(path,
-                                     StoragePaths::forBundle(path, QStringLiteral("workingcopies-mcp")));
+    if (path.endsWith(u".fablery"_s, Qt::CaseInsensitive)) {
+        return Workspace::openBundle(path, StoragePaths::forBundle(path, u"workingcopies-mcp"_s));
     }
     return Workspace::openFolder(path);
-}
-
-void registerToolFamilies(McpServer &server, Workspace &workspace, McpChangeLog &log)
-{
-    registerMcpCoreTools(server, workspace, log);
-    registerMcpWorldTools(server, workspace, log);
-    registerMcpDocumentTools(server, workspace, log);
-    registerTimelineTools(server, workspace, log);
-    registerCalendarTools(server, workspace, log);
-    registerSpreadsheetTools(server, workspace, log);
-    registerMapMediaTools(server, workspace, log);
-    registerSourceTools(server, workspace, log);
-    registerPlanningTools(server, workspace, log);
-    registerLanguageTools(server, workspace, log);
-    registerTtrpgTools(server, workspace, log);
-    registerExportImportTools(server, workspace, log);
 }
 
 // Before each tool call the project is brought in step with what other programs (the desktop
@@ -84,8 +69,7 @@ void adoptExternalChanges(Workspace &workspace)
         return;
     const Result<void> reloaded = workspace.reload();
     if (!reloaded)
-        writeError(QStringLiteral("fablery-mcp: could not adopt external change: %1\n")
-                       .arg(reloaded.error()));
+        writeError(u"fablery-mcp: could not adopt external change: %1\n"_s.arg(reloaded.error()));
 }
 
 // A call holds the project's lock from the adoption of outside changes to its save, so another
@@ -101,9 +85,8 @@ McpToolResult runToolCall(Workspace &workspace, const std::function<McpToolResul
 
 QString lineTooLongMessage()
 {
-    return QStringLiteral("The message is longer than %1 bytes, the most this server reads in "
-                          "one line.")
-        .arg(kMaxLineLength);
+    return u"The message is longer than %1 bytes, the most this server reads in "
+           "one line."_s.arg(kMaxLineLength);
 }
 
 // A line past the cap is answered as unreadable JSON: it was never stored, so there is no id
@@ -137,8 +120,8 @@ int runServer(int argc, char **argv)
     qputenv("QT_QPA_PLATFORM", "offscreen");
     qInstallMessageHandler(toolkitMessageFilter);
     QGuiApplication application(argc, argv);
-    QGuiApplication::setApplicationName(QStringLiteral("Fablery MCP"));
-    QGuiApplication::setOrganizationName(QStringLiteral("Tallowick Works"));
+    QGuiApplication::setApplicationName(u"Fablery MCP"_s);
+    QGuiApplication::setOrganizationName(u"Tallowick Works"_s);
 
     const QStringList arguments = QGuiApplication::arguments();
     if (arguments.size() != 2) {
@@ -146,23 +129,33 @@ int runServer(int argc, char **argv)
         std::fflush(stderr);
         return 2;
     }
+    // Asked for by a person at a terminal, so answered on standard output.
+    if (arguments.at(1) == u"--help" || arguments.at(1) == u"-h") {
+        std::fputs(usageText, stdout);
+        return 0;
+    }
+    if (arguments.at(1) == u"--version") {
+        std::fputs("fablery-mcp " FB_VERSION "\n", stdout);
+        return 0;
+    }
 
     Result<std::unique_ptr<Workspace>> opened = openProject(arguments.at(1));
     if (!opened) {
-        writeError(QStringLiteral("Could not open the project: %1\n").arg(opened.error()));
+        writeError(u"Could not open the project: %1\n"_s.arg(opened.error()));
         return 1;
     }
     std::unique_ptr<Workspace> workspace = std::move(opened).value();
 
     McpChangeLog log;
-    auto server = std::make_unique<McpServer>(QStringLiteral("fablery"), QStringLiteral("0.1.2"),
+    auto server = std::make_unique<McpServer>(u"fablery"_s, QStringLiteral(FB_VERSION),
                                               instructionsText());
-    registerToolFamilies(*server, *workspace, log);
+    ToolContext context(*workspace, log);
+    registerAllTools(*server, context);
     server->setToolCallHook([&workspace](const std::function<McpToolResult()> &runTool) {
         return runToolCall(*workspace, runTool);
     });
 
-    writeError(QStringLiteral("fablery-mcp serving %1\n").arg(workspace->displayPath()));
+    writeError(u"fablery-mcp serving %1\n"_s.arg(workspace->displayPath()));
     serve(*server);
 
     server.reset();

@@ -268,8 +268,9 @@ Result<QString> AtomicFileBatch::writeJournal(const QString &journalFolder) cons
     QJsonArray operations;
     for (const Operation &operation : m_operations) {
         QJsonObject entry{{"target"_L1, root.relativeFilePath(operation.target)},
-                          {"before"_L1, operation.expected ? QString::fromLatin1(operation.expected->sha1)
-                                                           : QString()}};
+                          {"before"_L1, operation.expected
+                                            ? QString::fromLatin1(operation.expected->sha1)
+                                            : QString()}};
         if (!operation.temporary.isEmpty())
             entry.insert("staged"_L1, root.relativeFilePath(operation.temporary));
         operations.append(entry);
@@ -321,7 +322,8 @@ SaveOutcome AtomicFileBatch::commit(const QString &journalFolder)
     for (const Operation &operation : std::as_const(m_operations)) {
         touchedFolders.insert(QFileInfo(operation.target).absolutePath());
         const bool done = operation.temporary.isEmpty()
-                              ? (::unlink(encoded(operation.target).constData()) == 0 || errno == ENOENT)
+                              ? (::unlink(encoded(operation.target).constData()) == 0
+                                 || errno == ENOENT)
                               : ::rename(encoded(operation.temporary).constData(),
                                          encoded(operation.target).constData())
                                     == 0;

@@ -44,7 +44,8 @@ Result<OpenedBundle> openBundleFile(const QString &bundlePath)
 {
     auto file = std::make_unique<QFile>(bundlePath);
     struct stat info;
-    if (!file->open(QIODevice::ReadOnly) || ::fstat(file->handle(), &info) != 0 || !S_ISREG(info.st_mode))
+    if (!file->open(QIODevice::ReadOnly) || ::fstat(file->handle(), &info) != 0
+        || !S_ISREG(info.st_mode))
         return makeError(u"Cannot read file: %1"_s.arg(QDir::toNativeSeparators(bundlePath)));
     return OpenedBundle{std::move(file), fileStatusOf(info)};
 }

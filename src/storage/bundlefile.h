@@ -5,9 +5,8 @@
 #include "storage/saveoutcome.h"
 
 #include <QByteArray>
-#include <QString>
-
 #include <QFile>
+#include <QString>
 
 #include <functional>
 #include <memory>

@@ -11,15 +11,13 @@ namespace fb::app {
 
 using namespace core;
 
-Result<std::unique_ptr<Category>> categoryFromJson(const QJsonObject &json,
-                                                   const QString &filePath)
+Result<std::unique_ptr<Category>> categoryFromJson(const QJsonObject &json, const QString &filePath)
 {
     JsonReader reader(json);
     const QUuid id = reader.id("id"_L1);
     const QString name = reader.string("name"_L1);
     if (id.isNull() || name.trimmed().isEmpty()) {
-        return makeError(
-            u"Malformed category file: %1"_s.arg(QDir::toNativeSeparators(filePath)));
+        return makeError(u"Malformed category file: %1"_s.arg(QDir::toNativeSeparators(filePath)));
     }
 
     QList<FieldDefinition> fields;
@@ -52,13 +50,13 @@ QJsonObject categoryToJson(const Category &category)
     json.insert("name"_L1, category.name());
     json.insert("parentId"_L1, idValue(category.parentId()));
     json.insert("fields"_L1, jsonArray(category.fields(), [](const FieldDefinition &field) {
-        return QJsonObject{{"key"_L1, field.key},
-                           {"type"_L1, enumName(field.type)},
-                           {"label"_L1, field.label},
-                           {"required"_L1, field.required},
-                           {"description"_L1, field.description},
-                           {"options"_L1, stringArray(field.options)}};
-    }));
+                    return QJsonObject{{"key"_L1, field.key},
+                                       {"type"_L1, enumName(field.type)},
+                                       {"label"_L1, field.label},
+                                       {"required"_L1, field.required},
+                                       {"description"_L1, field.description},
+                                       {"options"_L1, stringArray(field.options)}};
+                }));
     return json;
 }
 

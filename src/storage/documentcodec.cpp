@@ -56,19 +56,19 @@ void writeDocument(const Document &document, QJsonObject &json)
     json.insert("plotThreadIds"_L1, idArray(document.plotThreadIds()));
     json.insert("revisionBaseline"_L1, document.revisionBaseline());
     json.insert("versions"_L1, jsonArray(document.versions(), [](const DocumentVersion &version) {
-        return QJsonObject{{"label"_L1, version.label},
-                           {"body"_L1, version.body},
-                           {"createdAt"_L1, dateTimeValue(version.createdAt)}};
-    }));
+                    return QJsonObject{{"label"_L1, version.label},
+                                       {"body"_L1, version.body},
+                                       {"createdAt"_L1, dateTimeValue(version.createdAt)}};
+                }));
     json.insert("variants"_L1, jsonArray(document.variants(), [](const DocumentVariant &variant) {
-        return QJsonObject{{"name"_L1, variant.name}, {"body"_L1, variant.body}};
-    }));
+                    return QJsonObject{{"name"_L1, variant.name}, {"body"_L1, variant.body}};
+                }));
     json.insert("activeVariant"_L1, document.activeVariant());
     json.insert("footnotes"_L1, jsonArray(document.footnotes(), [](const Footnote &footnote) {
-        return QJsonObject{{"id"_L1, footnote.id},
-                           {"text"_L1, footnote.text},
-                           {"endnote"_L1, footnote.endnote}};
-    }));
+                    return QJsonObject{{"id"_L1, footnote.id},
+                                       {"text"_L1, footnote.text},
+                                       {"endnote"_L1, footnote.endnote}};
+                }));
 }
 
 void readEntity(JsonReader &reader, Entity &entity)
@@ -96,10 +96,10 @@ void writeEntity(const Entity &entity, QJsonObject &json)
     insertOptional(json, "birthInstant"_L1, entity.birthInstant());
     insertOptional(json, "deathInstant"_L1, entity.deathInstant());
     json.insert("timedValues"_L1, jsonArray(entity.timedValues(), [](const TimedValue &value) {
-        return QJsonObject{{"fieldKey"_L1, value.fieldKey},
-                           {"instant"_L1, value.instant},
-                           {"value"_L1, value.value}};
-    }));
+                    return QJsonObject{{"fieldKey"_L1, value.fieldKey},
+                                       {"instant"_L1, value.instant},
+                                       {"value"_L1, value.value}};
+                }));
 }
 
 } // namespace fb::app

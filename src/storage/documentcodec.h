@@ -5,7 +5,7 @@
 namespace fb::core {
 class Document;
 class Entity;
-}
+} // namespace fb::core
 
 namespace fb::app {
 

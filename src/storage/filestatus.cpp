@@ -44,8 +44,8 @@ std::optional<FileStatus> fileStatus(const QString &path)
 
 Result<std::optional<FileContents>> readFileContents(const QString &path)
 {
-    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW
-                                                                   | O_NONBLOCK);
+    const int fd = ::open(QFile::encodeName(path).constData(),
+                          O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
     if (fd < 0) {
         // A path through something that is not a folder names no file either.
         if (errno == ENOENT || errno == ENOTDIR)

@@ -106,7 +106,8 @@ std::optional<quint64> freeSpace(const QString &path)
             return std::nullopt;
         probe = parent;
     }
-    struct statvfs status{};
+    struct statvfs status
+    {};
     if (::statvfs(QFile::encodeName(probe).constData(), &status) != 0)
         return std::nullopt;
     return quint64(status.f_bavail) * quint64(status.f_frsize);
@@ -233,8 +234,7 @@ Result<QByteArray> packFolder(const QString &folder)
     return image->pack();
 }
 
-Result<void> extractArchive(ZipSource &archive, const QString &folder,
-                            const UnpackLimits &limits)
+Result<void> extractArchive(ZipSource &archive, const QString &folder, const UnpackLimits &limits)
 {
     const Result<QList<ZipDirectoryEntry>> directory = readZipDirectory(archive);
     if (!directory)

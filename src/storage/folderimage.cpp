@@ -100,9 +100,9 @@ Result<void> FolderImage::writeTo(ZipStreamWriter &writer, const FolderWriteRepo
         }
         if (removed.contains(path))
             continue;
-        const Result<void> kept = file.isHeld
-                                      ? writer.addBytes(path, file.bytes, file.crc)
-                                      : writer.addFile(path, m_folder + u'/' + path, file.size, file.crc);
+        const Result<void> kept = file.isHeld ? writer.addBytes(path, file.bytes, file.crc)
+                                              : writer.addFile(path, m_folder + u'/' + path,
+                                                               file.size, file.crc);
         if (!kept)
             return kept;
     }

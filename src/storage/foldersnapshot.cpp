@@ -14,6 +14,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 namespace {
@@ -79,11 +81,13 @@ void walkWatchedFiles(const QByteArray &folder, const QString &relativePrefix, V
 
 bool isWatchedProjectFile(const QString &fileName)
 {
-    return fileName.endsWith(QStringLiteral(".json"), Qt::CaseInsensitive)
-           || fileName.endsWith(QStringLiteral(".yaml"), Qt::CaseInsensitive);
+    return fileName.endsWith(u".json"_s, Qt::CaseInsensitive)
+           || fileName.endsWith(u".yaml"_s, Qt::CaseInsensitive);
 }
 
-FolderSnapshot::FolderSnapshot(Detection detection) : m_detection(detection) {}
+FolderSnapshot::FolderSnapshot(Detection detection)
+    : m_detection(detection)
+{}
 FolderSnapshot::~FolderSnapshot() = default;
 
 bool FolderSnapshot::isRacy(const Entry &entry) const
@@ -172,7 +176,8 @@ bool FolderSnapshot::hasFileChanged(const QString &folder, const QString &relati
 {
     const QString path = QDir(folder).filePath(relative);
     struct stat info;
-    const bool exists = ::stat(QFile::encodeName(path).constData(), &info) == 0 && S_ISREG(info.st_mode);
+    const bool exists = ::stat(QFile::encodeName(path).constData(), &info) == 0
+                        && S_ISREG(info.st_mode);
     const auto known = m_entries.find(relative);
     if (!exists)
         return known != m_entries.end();

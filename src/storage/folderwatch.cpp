@@ -5,11 +5,11 @@
 #include <QFile>
 
 #ifdef Q_OS_LINUX
+#include <cerrno>
+
 #include <sys/inotify.h>
 #include <sys/vfs.h>
 #include <unistd.h>
-
-#include <cerrno>
 #endif
 
 namespace fb::app {
@@ -104,7 +104,8 @@ FolderWatch::Changes FolderWatch::takeChanges()
         for (ssize_t offset = 0; offset < length;) {
             const auto *event = reinterpret_cast<const struct inotify_event *>(buffer + offset);
             offset += ssize_t(sizeof(struct inotify_event) + event->len);
-            if (event->mask & (IN_Q_OVERFLOW | IN_IGNORED | IN_DELETE_SELF | IN_MOVE_SELF | IN_ISDIR)) {
+            if (event->mask
+                & (IN_Q_OVERFLOW | IN_IGNORED | IN_DELETE_SELF | IN_MOVE_SELF | IN_ISDIR)) {
                 changes.needsFullScan = true;
                 continue;
             }

@@ -39,11 +39,11 @@ void writeLanguage(const Language &language, QJsonObject &json)
     json.insert("maxSyllables"_L1, record.maxSyllables);
     json.insert("grammarNotes"_L1, record.grammarNotes);
     json.insert("lexicon"_L1, jsonArray(record.lexicon, [](const LexiconEntry &entry) {
-        return QJsonObject{{"word"_L1, entry.word},
-                           {"gloss"_L1, entry.gloss},
-                           {"partOfSpeech"_L1, entry.partOfSpeech},
-                           {"notes"_L1, entry.notes}};
-    }));
+                    return QJsonObject{{"word"_L1, entry.word},
+                                       {"gloss"_L1, entry.gloss},
+                                       {"partOfSpeech"_L1, entry.partOfSpeech},
+                                       {"notes"_L1, entry.notes}};
+                }));
 }
 
 void readRandomTable(JsonReader &reader, RandomTable &table)
@@ -63,8 +63,8 @@ void writeRandomTable(const RandomTable &table, QJsonObject &json)
 {
     json.insert("title"_L1, table.title());
     json.insert("entries"_L1, jsonArray(table.entries(), [](const TableEntry &entry) {
-        return QJsonObject{{"text"_L1, entry.text}, {"weight"_L1, entry.weight}};
-    }));
+                    return QJsonObject{{"text"_L1, entry.text}, {"weight"_L1, entry.weight}};
+                }));
 }
 
 void readStatBlock(JsonReader &reader, StatBlock &block)
@@ -88,11 +88,11 @@ void writeStatBlock(const StatBlock &block, QJsonObject &json)
     json.insert("system"_L1, block.system());
     json.insert("notes"_L1, block.notes());
     json.insert("stats"_L1, jsonArray(block.stats(), [](const StatLine &line) {
-        return QJsonObject{{"label"_L1, line.label}, {"value"_L1, line.value}};
-    }));
+                    return QJsonObject{{"label"_L1, line.label}, {"value"_L1, line.value}};
+                }));
     json.insert("actions"_L1, jsonArray(block.actions(), [](const StatAction &action) {
-        return QJsonObject{{"name"_L1, action.name}, {"text"_L1, action.text}};
-    }));
+                    return QJsonObject{{"name"_L1, action.name}, {"text"_L1, action.text}};
+                }));
 }
 
 } // namespace fb::app

@@ -6,7 +6,7 @@ namespace fb::core {
 class Language;
 class RandomTable;
 class StatBlock;
-}
+} // namespace fb::core
 
 namespace fb::app {
 

@@ -120,7 +120,7 @@ void writeTypeKeys(const ContentObject &object, QJsonObject &json)
 } // namespace
 
 Result<std::unique_ptr<ContentObject>> objectFromJson(const QJsonObject &json,
-                                                     const QString &filePath)
+                                                      const QString &filePath)
 {
     JsonReader reader(json);
     const QUuid id = reader.id("id"_L1);

@@ -98,22 +98,22 @@ void writeCanvas(const Canvas &canvas, QJsonObject &json)
 {
     json.insert("title"_L1, canvas.title());
     json.insert("cards"_L1, jsonArray(canvas.cards(), [](const CanvasCard &card) {
-        QJsonObject item = preservedJson(card.preservedProperties);
-        item.insert("id"_L1, idValue(card.id));
-        item.insert("objectId"_L1, idValue(card.objectId));
-        item.insert("x"_L1, card.x);
-        item.insert("y"_L1, card.y);
-        item.insert("width"_L1, card.width);
-        item.insert("height"_L1, card.height);
-        return item;
-    }));
+                    QJsonObject item = preservedJson(card.preservedProperties);
+                    item.insert("id"_L1, idValue(card.id));
+                    item.insert("objectId"_L1, idValue(card.objectId));
+                    item.insert("x"_L1, card.x);
+                    item.insert("y"_L1, card.y);
+                    item.insert("width"_L1, card.width);
+                    item.insert("height"_L1, card.height);
+                    return item;
+                }));
     json.insert("connections"_L1, jsonArray(canvas.connections(), [](const CanvasConnection &c) {
-        QJsonObject item = preservedJson(c.preservedProperties);
-        item.insert("fromCardId"_L1, idValue(c.fromCardId));
-        item.insert("toCardId"_L1, idValue(c.toCardId));
-        item.insert("label"_L1, c.label);
-        return item;
-    }));
+                    QJsonObject item = preservedJson(c.preservedProperties);
+                    item.insert("fromCardId"_L1, idValue(c.fromCardId));
+                    item.insert("toCardId"_L1, idValue(c.toCardId));
+                    item.insert("label"_L1, c.label);
+                    return item;
+                }));
 }
 
 void readComment(JsonReader &reader, Comment &comment)

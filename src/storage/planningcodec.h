@@ -7,7 +7,7 @@ class Canvas;
 class Comment;
 class Source;
 class Task;
-}
+} // namespace fb::core
 
 namespace fb::app {
 

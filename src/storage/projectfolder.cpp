@@ -74,7 +74,8 @@ Result<std::optional<ReadFile>> readListedFile(const QString &folder, const QStr
         return makeError(u"Invalid JSON in file: %1"_s.arg(native(path)));
     if (observer)
         observer(relativePath, bytes);
-    return std::optional(ReadFile{document.object(), StoredFile{relativePath, contentDigest(bytes)}});
+    return std::optional(
+        ReadFile{document.object(), StoredFile{relativePath, contentDigest(bytes)}});
 }
 
 Result<ReadFile> readStoredFile(const QString &folder, const QString &relativePath,
@@ -94,7 +95,9 @@ Result<void> readObjects(const QString &root, core::Project &project,
     const QString folder = root + u'/' + objectsFolderName;
     for (const QString &name : storedFileNames(folder)) {
         const QString path = folder + u'/' + name;
-        Result<std::optional<ReadFile>> listed = readListedFile(root, objectsFolderName + u'/' + name, observer);
+        Result<std::optional<ReadFile>> listed = readListedFile(root,
+                                                                objectsFolderName + u'/' + name,
+                                                                observer);
         if (!listed)
             return makeError(listed.error());
         if (!*listed)
@@ -105,8 +108,7 @@ Result<void> readObjects(const QString &root, core::Project &project,
             return makeError(object.error());
         const QUuid id = (*object)->id();
         if (project.contains(id)) {
-            return makeError(
-                u"Duplicate object id %1 in %2"_s.arg(core::idText(id), native(path)));
+            return makeError(u"Duplicate object id %1 in %2"_s.arg(core::idText(id), native(path)));
         }
         project.addObject(std::move(object).value());
         files.objects.insert(id, std::move(read->stored));
@@ -120,7 +122,9 @@ Result<void> readCategories(const QString &root, core::CategoryTree &tree,
     const QString folder = root + u'/' + taxonomyFolderName;
     for (const QString &name : storedFileNames(folder)) {
         const QString path = folder + u'/' + name;
-        Result<std::optional<ReadFile>> listed = readListedFile(root, taxonomyFolderName + u'/' + name, observer);
+        Result<std::optional<ReadFile>> listed = readListedFile(root,
+                                                                taxonomyFolderName + u'/' + name,
+                                                                observer);
         if (!listed)
             return makeError(listed.error());
         if (!*listed)
@@ -336,7 +340,8 @@ ProjectFolderWriter::~ProjectFolderWriter() = default;
 void ProjectFolderWriter::assumeOnDisk(const core::Project &project, const ProjectFiles &files)
 {
     *m_state = State();
-    const auto recordOf = [](const StoredFile *stored, const QString &defaultPath, quint64 revision) {
+    const auto recordOf = [](const StoredFile *stored, const QString &defaultPath,
+                             quint64 revision) {
         return stored ? FileRecord{stored->relativePath, revision, stored->digest, false}
                       : FileRecord{defaultPath, revision, 0, false};
     };
@@ -349,16 +354,18 @@ void ProjectFolderWriter::assumeOnDisk(const core::Project &project, const Proje
     }
     for (const core::Category *category : project.categories().all()) {
         const auto stored = files.categories.constFind(category->id());
-        m_state->categories.insert(
-            category->id(),
-            recordOf(stored == files.categories.constEnd() ? nullptr : &*stored,
-                     defaultPathOf(taxonomyFolderName, category->id()), category->revision()));
+        m_state->categories.insert(category->id(),
+                                   recordOf(stored == files.categories.constEnd() ? nullptr
+                                                                                  : &*stored,
+                                            defaultPathOf(taxonomyFolderName, category->id()),
+                                            category->revision()));
     }
     m_state->settings = recordOf(files.settings ? &*files.settings : nullptr, projectFileName,
                                  project.settingsRevision());
 }
 
-Result<FolderWritePlan> ProjectFolderWriter::plan(const QString &folder, const core::Project &project)
+Result<FolderWritePlan> ProjectFolderWriter::plan(const QString &folder,
+                                                  const core::Project &project)
 {
     FolderWritePlan plan;
     // Object and category files go to disk together; the project file follows them, last.
@@ -371,16 +378,18 @@ Result<FolderWritePlan> ProjectFolderWriter::plan(const QString &folder, const c
     for (const core::ContentObject *object : project.objects()) {
         if (isOnDisk(ItemKind::Object, object->id(), object->revision()))
             continue;
-        const PlannedItem item{
-            ItemKind::Object, object->id(), object->revision(),
-            defaultPathOf(objectsFolderName, object->id()),
-            [object] { return objectToJson(*object); },
-            [](const QJsonObject &stored) -> std::optional<QJsonObject> {
-                const auto read = objectFromJson(stored, QString());
-                return read ? std::optional(objectToJson(**read)) : std::nullopt;
-            }};
-        if (const Result<void> planned =
-                planItem(folder, item, m_state->record(ItemKind::Object, object->id()), plan);
+        const PlannedItem item{ItemKind::Object,
+                               object->id(),
+                               object->revision(),
+                               defaultPathOf(objectsFolderName, object->id()),
+                               [object] { return objectToJson(*object); },
+                               [](const QJsonObject &stored) -> std::optional<QJsonObject> {
+                                   const auto read = objectFromJson(stored, QString());
+                                   return read ? std::optional(objectToJson(**read)) : std::nullopt;
+                               }};
+        if (const Result<void> planned = planItem(folder, item,
+                                                  m_state->record(ItemKind::Object, object->id()),
+                                                  plan);
             !planned) {
             return makeError(planned.error());
         }
@@ -389,42 +398,46 @@ Result<FolderWritePlan> ProjectFolderWriter::plan(const QString &folder, const c
     for (const core::Category *category : tree.all()) {
         if (isOnDisk(ItemKind::Category, category->id(), category->revision()))
             continue;
-        const PlannedItem item{
-            ItemKind::Category, category->id(), category->revision(),
-            defaultPathOf(taxonomyFolderName, category->id()),
-            [category] { return categoryToJson(*category); },
-            [](const QJsonObject &stored) -> std::optional<QJsonObject> {
-                const auto read = categoryFromJson(stored, QString());
-                return read ? std::optional(categoryToJson(**read)) : std::nullopt;
-            }};
-        if (const Result<void> planned =
-                planItem(folder, item, m_state->record(ItemKind::Category, category->id()), plan);
+        const PlannedItem item{ItemKind::Category,
+                               category->id(),
+                               category->revision(),
+                               defaultPathOf(taxonomyFolderName, category->id()),
+                               [category] { return categoryToJson(*category); },
+                               [](const QJsonObject &stored) -> std::optional<QJsonObject> {
+                                   const auto read = categoryFromJson(stored, QString());
+                                   return read ? std::optional(categoryToJson(**read))
+                                               : std::nullopt;
+                               }};
+        if (const Result<void> planned
+            = planItem(folder, item, m_state->record(ItemKind::Category, category->id()), plan);
             !planned) {
             return makeError(planned.error());
         }
     }
-    if (const Result<void> removals =
-            planRemovals(folder, ItemKind::Object, m_state->objects, project.objectCount(),
-                         [&](const QUuid &id) { return project.contains(id); }, plan);
+    if (const Result<void> removals = planRemovals(
+            folder, ItemKind::Object, m_state->objects, project.objectCount(),
+            [&](const QUuid &id) { return project.contains(id); }, plan);
         !removals) {
         return makeError(removals.error());
     }
-    if (const Result<void> removals =
-            planRemovals(folder, ItemKind::Category, m_state->categories, tree.count(),
-                         [&](const QUuid &id) { return tree.contains(id); }, plan);
+    if (const Result<void> removals = planRemovals(
+            folder, ItemKind::Category, m_state->categories, tree.count(),
+            [&](const QUuid &id) { return tree.contains(id); }, plan);
         !removals) {
         return makeError(removals.error());
     }
-    const PlannedItem settings{
-        ItemKind::Settings, QUuid(), project.settingsRevision(), projectFileName,
-        [&project] { return projectSettingsToJson(project); },
-        [](const QJsonObject &stored) -> std::optional<QJsonObject> {
-            core::Project read;
-            readProjectSettings(stored, read);
-            return projectSettingsToJson(read);
-        }};
-    if (const Result<void> planned =
-            planItem(folder, settings, m_state->record(ItemKind::Settings, QUuid()), plan);
+    const PlannedItem settings{ItemKind::Settings,
+                               QUuid(),
+                               project.settingsRevision(),
+                               projectFileName,
+                               [&project] { return projectSettingsToJson(project); },
+                               [](const QJsonObject &stored) -> std::optional<QJsonObject> {
+                                   core::Project read;
+                                   readProjectSettings(stored, read);
+                                   return projectSettingsToJson(read);
+                               }};
+    if (const Result<void> planned = planItem(folder, settings,
+                                              m_state->record(ItemKind::Settings, QUuid()), plan);
         !planned) {
         return makeError(planned.error());
     }
@@ -465,7 +478,8 @@ SaveOutcome ProjectFolderWriter::commit(const QString &folder, const FolderWrite
         const FolderWritePlan::Step &step = plan.steps.at(i);
         if (step.bytes) {
             m_state->store(step.kind, step.id,
-                           FileRecord{step.relativePath, step.revision, contentDigest(*step.bytes), true});
+                           FileRecord{step.relativePath, step.revision, contentDigest(*step.bytes),
+                                      true});
             if (done)
                 done->written.insert(step.relativePath, *step.bytes);
         } else {

@@ -71,7 +71,8 @@ Result<ProjectLock::Hold> ProjectLock::acquire(std::chrono::milliseconds patienc
             return Hold();
         if (std::chrono::steady_clock::now() >= deadline) {
             return makeError(
-                u"Another fablery-mcp server is busy with this project and did not finish within %1 "
+                u"Another fablery-mcp server is busy with this project and did not finish within "
+                u"%1 "
                 u"seconds, so nothing was done; try again."_s.arg(
                     std::chrono::duration_cast<std::chrono::seconds>(patience).count()));
         }

@@ -32,8 +32,12 @@ public:
     {
     public:
         Hold() = default;
-        explicit Hold(ProjectLock *lock) : m_lock(lock) {}
-        Hold(Hold &&other) noexcept : m_lock(std::exchange(other.m_lock, nullptr)) {}
+        explicit Hold(ProjectLock *lock)
+            : m_lock(lock)
+        {}
+        Hold(Hold &&other) noexcept
+            : m_lock(std::exchange(other.m_lock, nullptr))
+        {}
         Hold &operator=(Hold &&other) noexcept;
         ~Hold();
 

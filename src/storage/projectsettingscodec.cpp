@@ -36,9 +36,11 @@ QJsonObject calendarJson(const Calendar &calendar)
 {
     return QJsonObject{
         {"name"_L1, calendar.name},
-        {"months"_L1, jsonArray(calendar.months, [](const CalendarMonth &month) {
-             return QJsonObject{{"name"_L1, month.name}, {"days"_L1, month.days}};
-         })},
+        {"months"_L1,
+         jsonArray(calendar.months,
+                   [](const CalendarMonth &month) {
+                       return QJsonObject{{"name"_L1, month.name}, {"days"_L1, month.days}};
+                   })},
         {"weekdays"_L1, stringArray(calendar.weekdays)},
         {"eraName"_L1, calendar.eraName},
     };
@@ -82,11 +84,11 @@ void readCollections(JsonReader &reader, Project &project)
                                        goal.date("deadline"_L1)});
 
     JsonReader sheet(reader.object("beatSheet"_L1));
-    project.setBeatSheet(BeatSheet{
-        sheet.string("templateId"_L1),
-        sheet.list<BeatAssignment>("assignments"_L1, [](JsonReader &item) {
-            return BeatAssignment{item.string("beatName"_L1), item.id("documentId"_L1)};
-        })});
+    project.setBeatSheet(
+        BeatSheet{sheet.string("templateId"_L1),
+                  sheet.list<BeatAssignment>("assignments"_L1, [](JsonReader &item) {
+                      return BeatAssignment{item.string("beatName"_L1), item.id("documentId"_L1)};
+                  })});
 }
 
 void readStoryTime(JsonReader &reader, Project &project)
@@ -118,8 +120,8 @@ void readStoryTime(JsonReader &reader, Project &project)
 void insertCollections(const Project &project, QJsonObject &json)
 {
     json.insert("savedSearches"_L1, jsonArray(project.savedSearches(), [](const SavedSearch &s) {
-        return QJsonObject{{"name"_L1, s.name}, {"query"_L1, s.query}};
-    }));
+                    return QJsonObject{{"name"_L1, s.name}, {"query"_L1, s.query}};
+                }));
     json.insert("entityTemplates"_L1,
                 jsonArray(project.entityTemplates(), [](const EntityTemplate &t) {
                     return QJsonObject{{"name"_L1, t.name},
@@ -127,12 +129,12 @@ void insertCollections(const Project &project, QJsonObject &json)
                                        {"fieldValues"_L1, textMapObject(t.fieldValues)}};
                 }));
     json.insert("plotThreads"_L1, jsonArray(project.plotThreads(), [](const PlotThread &t) {
-        return QJsonObject{{"id"_L1, idValue(t.id)},
-                           {"name"_L1, t.name},
-                           {"description"_L1, t.description},
-                           {"characterId"_L1, idValue(t.characterId)},
-                           {"color"_L1, t.color}};
-    }));
+                    return QJsonObject{{"id"_L1, idValue(t.id)},
+                                       {"name"_L1, t.name},
+                                       {"description"_L1, t.description},
+                                       {"characterId"_L1, idValue(t.characterId)},
+                                       {"color"_L1, t.color}};
+                }));
     json.insert("continuityRules"_L1,
                 jsonArray(project.continuityRules(), [](const ContinuityRule &rule) {
                     QJsonObject item{{"name"_L1, rule.name},
@@ -144,18 +146,17 @@ void insertCollections(const Project &project, QJsonObject &json)
                     return item;
                 }));
     json.insert("mounts"_L1, jsonArray(project.mounts(), [](const Mount &mount) {
-        return QJsonObject{{"name"_L1, mount.name},
-                           {"path"_L1, mount.path},
-                           {"writable"_L1, mount.writable}};
-    }));
+                    return QJsonObject{{"name"_L1, mount.name},
+                                       {"path"_L1, mount.path},
+                                       {"writable"_L1, mount.writable}};
+                }));
     json.insert("writingLog"_L1, jsonArray(project.writingLog(), [](const WritingLogEntry &e) {
-        return QJsonObject{{"date"_L1, dateValue(e.date)}, {"words"_L1, e.words}};
-    }));
+                    return QJsonObject{{"date"_L1, dateValue(e.date)}, {"words"_L1, e.words}};
+                }));
     const WritingGoal &goal = project.writingGoal();
-    json.insert("writingGoal"_L1,
-                QJsonObject{{"dailyWordTarget"_L1, goal.dailyWordTarget},
-                            {"manuscriptWordTarget"_L1, goal.manuscriptWordTarget},
-                            {"deadline"_L1, dateValue(goal.deadline)}});
+    json.insert("writingGoal"_L1, QJsonObject{{"dailyWordTarget"_L1, goal.dailyWordTarget},
+                                              {"manuscriptWordTarget"_L1, goal.manuscriptWordTarget},
+                                              {"deadline"_L1, dateValue(goal.deadline)}});
     const BeatSheet &sheet = project.beatSheet();
     json.insert("beatSheet"_L1,
                 QJsonObject{{"templateId"_L1, sheet.templateId},
@@ -169,16 +170,16 @@ void insertStoryTime(const Project &project, QJsonObject &json)
 {
     json.insert("calendar"_L1, calendarJson(project.calendar()));
     json.insert("reckonings"_L1, jsonArray(project.reckonings(), [](const Reckoning &r) {
-        return QJsonObject{{"name"_L1, r.name},
-                           {"epochOffsetMinutes"_L1, r.epochOffsetMinutes},
-                           {"calendar"_L1, calendarJson(r.calendar)}};
-    }));
+                    return QJsonObject{{"name"_L1, r.name},
+                                       {"epochOffsetMinutes"_L1, r.epochOffsetMinutes},
+                                       {"calendar"_L1, calendarJson(r.calendar)}};
+                }));
     json.insert("timelineEras"_L1, jsonArray(project.timelineEras(), [](const TimelineEra &era) {
-        return QJsonObject{{"name"_L1, era.name},
-                           {"color"_L1, era.color},
-                           {"startMinute"_L1, era.startMinute},
-                           {"endMinute"_L1, era.endMinute}};
-    }));
+                    return QJsonObject{{"name"_L1, era.name},
+                                       {"color"_L1, era.color},
+                                       {"startMinute"_L1, era.startMinute},
+                                       {"endMinute"_L1, era.endMinute}};
+                }));
     json.insert("timelineMarkers"_L1,
                 jsonArray(project.timelineMarkers(), [](const TimelineMarker &marker) {
                     return QJsonObject{{"name"_L1, marker.name},

@@ -16,7 +16,10 @@ struct [[nodiscard]] SaveOutcome
     QString message;
 
     static SaveOutcome saved() { return {}; }
-    static SaveOutcome refused(QString message) { return {SaveStatus::Refused, std::move(message)}; }
+    static SaveOutcome refused(QString message)
+    {
+        return {SaveStatus::Refused, std::move(message)};
+    }
     static SaveOutcome failed(QString message) { return {SaveStatus::Failed, std::move(message)}; }
 
     bool isSaved() const { return status == SaveStatus::Saved; }

@@ -14,18 +14,21 @@ QString native(const QString &path)
 }
 
 // Every refusal ends the same way: nothing happened, and what to do about it.
-const QString retryAdvice = u" Nothing was changed; the next call works on the project as it is on disk now, so try again."_s;
+const QString retryAdvice
+    = u" Nothing was changed; the next call works on the project as it is on disk now, so try again."_s;
 
 } // namespace
 
 QString changedOnDiskMessage(const QString &path)
 {
-    return u"Another program changed %1 since this server last read it."_s.arg(native(path)) + retryAdvice;
+    return u"Another program changed %1 since this server last read it."_s.arg(native(path))
+           + retryAdvice;
 }
 
 QString removedOnDiskMessage(const QString &path)
 {
-    return u"Another program removed %1 since this server last read it."_s.arg(native(path)) + retryAdvice;
+    return u"Another program removed %1 since this server last read it."_s.arg(native(path))
+           + retryAdvice;
 }
 
 QString createdOnDiskMessage(const QString &path)

@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QStandardPaths>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 QString appDataFolder()
@@ -15,12 +17,12 @@ QString appDataFolder()
 
 QString backupFolderFor(const QString &backupName)
 {
-    return QDir(appDataFolder()).filePath(QStringLiteral("backups/") + backupName);
+    return QDir(appDataFolder()).filePath(u"backups/"_s + backupName);
 }
 
 QString currentTimeStamp()
 {
-    return QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmsszzz"));
+    return QDateTime::currentDateTime().toString(u"yyyyMMdd-HHmmsszzz"_s);
 }
 
 StoragePaths StoragePaths::forBundle(const QString &bundlePath, const QString &workingCopiesName)
@@ -38,10 +40,10 @@ QString workingCopyName(const QString &bundlePath)
     }
     safe = safe.trimmed();
     if (safe.isEmpty())
-        safe = QStringLiteral("project");
+        safe = u"project"_s;
     const QString cleaned = QDir::cleanPath(QFileInfo(bundlePath).absoluteFilePath()).toLower();
-    const QByteArray hash =
-        QCryptographicHash::hash(cleaned.toUtf8(), QCryptographicHash::Sha256).toHex();
+    const QByteArray hash = QCryptographicHash::hash(cleaned.toUtf8(), QCryptographicHash::Sha256)
+                                .toHex();
     return safe + u'-' + QString::fromLatin1(hash.left(12));
 }
 

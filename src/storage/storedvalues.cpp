@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 JsonReader::JsonReader(QJsonObject object)
@@ -140,7 +142,7 @@ QString storedValueText(const QJsonValue &value)
     case QJsonValue::String:
         return value.toString();
     case QJsonValue::Bool:
-        return value.toBool() ? QStringLiteral("true") : QStringLiteral("false");
+        return value.toBool() ? u"true"_s : u"false"_s;
     case QJsonValue::Double: {
         const qint64 whole = value.toInteger();
         if (double(whole) == value.toDouble())

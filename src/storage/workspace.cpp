@@ -75,7 +75,9 @@ Result<std::unique_ptr<core::Project>> Workspace::readSnapshotted(ProjectFiles &
     m_snapshot->beginTake(m_folder);
     Result<std::unique_ptr<core::Project>> loaded = readProjectFolder(
         m_folder,
-        [this](const QString &path, const QByteArray &bytes) { m_snapshot->noteContents(path, bytes); },
+        [this](const QString &path, const QByteArray &bytes) {
+            m_snapshot->noteContents(path, bytes);
+        },
         &files);
     m_snapshot->finishTake(m_folder);
     return loaded;
@@ -90,11 +92,12 @@ void Workspace::loadLibraries()
     for (const core::Mount &mount : m_project->mounts()) {
         const QString path = QDir::cleanPath(base.absoluteFilePath(mount.path));
         // Library content is told apart by its name, so a library always has one.
-        const QString name = mount.name.trimmed().isEmpty() ? QFileInfo(path).fileName() : mount.name;
+        const QString name = mount.name.trimmed().isEmpty() ? QFileInfo(path).fileName()
+                                                            : mount.name;
         MountedLibrary library{name, mount.path, mount.writable, nullptr, QString()};
         if (!QFileInfo::exists(QDir(path).filePath(u"project.json"_s))) {
-            library.loadError =
-                u"The library folder is missing or is not a project: %1"_s.arg(native(path));
+            library.loadError = u"The library folder is missing or is not a project: %1"_s.arg(
+                native(path));
         } else if (Result<std::unique_ptr<core::Project>> loaded = readProjectFolder(path); loaded) {
             library.project = std::move(loaded).value();
         } else {
@@ -109,19 +112,26 @@ Result<std::unique_ptr<Workspace>> Workspace::openFolder(const QString &path)
     if (path.endsWith(u".fablery"_s, Qt::CaseInsensitive))
         return openBundle(path, StoragePaths::forBundle(path, u"workingcopies"_s));
 
-    const QFileInfo info(path);
+    QFileInfo info(path);
+    // The project file itself names its folder.
+    if (info.isFile() && info.fileName() == u"project.json")
+        info = QFileInfo(info.absolutePath());
+    if (info.exists() && !info.isDir())
+        return makeError(
+            u"The project path is a file, not a project folder: %1"_s.arg(native(path)));
     if (!info.isDir())
         return makeError(u"The project folder does not exist: %1"_s.arg(native(path)));
-    const QString projectFile = QDir(path).filePath(u"project.json"_s);
+    const QString folder = QDir::cleanPath(info.absoluteFilePath());
+    const QString projectFile = QDir(folder).filePath(u"project.json"_s);
     if (!QFileInfo::exists(projectFile)) {
         return makeError(
-            u"The folder is not an Fablery project (no project.json): %1"_s.arg(native(path)));
+            u"The folder is not an Fablery project (no project.json): %1"_s.arg(native(folder)));
     }
     if (!QFile(projectFile).open(QIODevice::ReadOnly))
         return makeError(u"Could not read a project file: %1"_s.arg(native(projectFile)));
 
     std::unique_ptr<Workspace> workspace(new Workspace);
-    workspace->m_folder = QDir::cleanPath(info.absoluteFilePath());
+    workspace->m_folder = folder;
     workspace->m_lock = std::make_unique<ProjectLock>(ProjectLock::lockFileFor(workspace->m_folder));
     const Result<ProjectLock::Hold> held = workspace->m_lock->acquire(lockPatience);
     if (!held)

@@ -1,14 +1,13 @@
 // The workspace's handling of bundles: the working copy, the marker beside it, and saves that
 // write the bundle before the working copy.
 
-#include "storage/workspace.h"
-
 #include "core/project.h"
 #include "storage/backup.h"
 #include "storage/bundlefile.h"
 #include "storage/folderarchive.h"
 #include "storage/projectfolder.h"
 #include "storage/sha256.h"
+#include "storage/workspace.h"
 #include "storage/zip/zipreader.h"
 #include "storage/zip/zipsource.h"
 #include "storage/zip/zipwriter.h"
@@ -67,9 +66,10 @@ Result<ReadBundle> readProjectBundle(const QString &bundlePath, FileStatus *atte
     Result<QList<ZipDirectoryEntry>> directory = readZipDirectory(*source);
     if (!directory)
         return makeError(notAProjectFile(bundlePath, directory.error()));
-    const bool hasProjectFile = std::any_of(directory->cbegin(), directory->cend(), [](const auto &entry) {
-        return entry.name == u"project.json";
-    });
+    const bool hasProjectFile = std::any_of(directory->cbegin(), directory->cend(),
+                                            [](const auto &entry) {
+                                                return entry.name == u"project.json";
+                                            });
     if (!hasProjectFile)
         return makeError(notAProjectFile(bundlePath));
     return ReadBundle{std::move(opened).value(), std::move(source), std::move(directory).value()};
@@ -78,16 +78,18 @@ Result<ReadBundle> readProjectBundle(const QString &bundlePath, FileStatus *atte
 bool isEmptyFolder(const QString &folder)
 {
     const QDir dir(folder);
-    return !dir.exists() || dir.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
+    return !dir.exists()
+           || dir.isEmpty(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System);
 }
 
 // Keeps a working copy that does not match its bundle where the writer can find it: in a backup
 // archive, or, when that cannot be written, moved aside under a dated name. It is never simply
 // deleted.
-Result<void> setStaleCopyAside(const QString &folder, const StoragePaths &paths, const QString &backupName)
+Result<void> setStaleCopyAside(const QString &folder, const StoragePaths &paths,
+                               const QString &backupName)
 {
-    const Result<BackupOutcome> backup =
-        writeBackup(folder, paths.backupFolder, backupName, paths.timeStamp, staleCopyBackupRetention);
+    const Result<BackupOutcome> backup = writeBackup(folder, paths.backupFolder, backupName,
+                                                     paths.timeStamp, staleCopyBackupRetention);
     if (backup) {
         if (!QDir(folder).removeRecursively())
             return makeError(u"Could not clear the stale working copy: %1"_s.arg(native(folder)));
@@ -138,8 +140,8 @@ Result<void> Workspace::openBundleWorkingCopy(const StoragePaths &paths)
         Result<FolderImage> image = FolderImage::read(m_folder);
         if (image && image->holdsExactly(bundle->directory)) {
             m_image = std::move(image).value();
-        } else if (const Result<void> aside =
-                       setStaleCopyAside(m_folder, paths, QFileInfo(m_bundlePath).completeBaseName());
+        } else if (const Result<void> aside
+                   = setStaleCopyAside(m_folder, paths, QFileInfo(m_bundlePath).completeBaseName());
                    !aside) {
             return aside;
         }
@@ -186,13 +188,15 @@ Result<void> Workspace::refreshWorkingCopy()
         return makeError(m_unreadableReason);
     }
     Result<FolderImage> image = FolderImage::read(incoming);
-    const bool swapped = image && (!QFileInfo::exists(m_folder) || QDir().rename(m_folder, previous))
+    const bool swapped = image
+                         && (!QFileInfo::exists(m_folder) || QDir().rename(m_folder, previous))
                          && QDir().rename(incoming, m_folder);
     if (!swapped) {
         if (!QFileInfo::exists(m_folder))
             QDir().rename(previous, m_folder);
         QDir(incoming).removeRecursively();
-        m_unreadableReason = u"Could not refresh the project's working folder: %1"_s.arg(native(m_folder));
+        m_unreadableReason = u"Could not refresh the project's working folder: %1"_s.arg(
+            native(m_folder));
         return makeError(m_unreadableReason);
     }
     QDir(previous).removeRecursively();
@@ -209,7 +213,8 @@ Result<void> Workspace::writeMarker(const QString &bundleSha256Hex)
     const QString temporary = m_markerPath + u".%1.saving"_s.arg(::getpid());
     QFile file(temporary);
     const QByteArray bytes = QJsonDocument(marker).toJson(QJsonDocument::Indented);
-    const bool written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(bytes) == bytes.size();
+    const bool written = file.open(QIODevice::WriteOnly | QIODevice::Truncate)
+                         && file.write(bytes) == bytes.size();
     file.close();
     if (!written || !QDir().rename(temporary, m_markerPath)) {
         QFile::remove(m_markerPath);
@@ -228,14 +233,16 @@ SaveOutcome Workspace::saveBundle(const FolderWritePlan &plan)
     if (!m_image) {
         Result<FolderImage> image = FolderImage::read(m_folder);
         if (!image)
-            return SaveOutcome::failed(u"Could not write the project file: %1"_s.arg(native(m_bundlePath)));
+            return SaveOutcome::failed(
+                u"Could not write the project file: %1"_s.arg(native(m_bundlePath)));
         m_image = std::move(image).value();
     }
     // The bundle is the project: it is written first, and only then the working copy, so the
     // working copy never runs ahead of it.
     const FolderWriteReport pending = plan.report();
     if (!QDir().mkpath(QFileInfo(m_bundlePath).path()))
-        return SaveOutcome::failed(u"Could not create the folder for: %1"_s.arg(native(m_bundlePath)));
+        return SaveOutcome::failed(
+            u"Could not create the folder for: %1"_s.arg(native(m_bundlePath)));
     FileStatus written;
     QByteArray digest;
     SaveOutcome outcome = writeBundleFile(

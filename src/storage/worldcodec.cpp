@@ -97,10 +97,10 @@ void readSpreadsheet(JsonReader &reader, Spreadsheet &sheet)
     sheet.setColumnCount(reader.int32("columnCount"_L1));
 
     QMap<CellAddress, QString> cells;
-    const auto cellList = reader.list<std::pair<CellAddress, QString>>(
-        "cells"_L1, [](JsonReader &item) {
-            return std::pair(readAddress(item), item.string("text"_L1));
-        });
+    const auto cellList
+        = reader.list<std::pair<CellAddress, QString>>("cells"_L1, [](JsonReader &item) {
+              return std::pair(readAddress(item), item.string("text"_L1));
+          });
     for (const auto &[address, text] : cellList) {
         if (!text.isEmpty())
             cells.insert(address, text);
@@ -108,10 +108,10 @@ void readSpreadsheet(JsonReader &reader, Spreadsheet &sheet)
     sheet.setCells(cells);
 
     QMap<CellAddress, CellFormat> formats;
-    const auto formatList = reader.list<std::pair<CellAddress, CellFormat>>(
-        "formats"_L1, [](JsonReader &item) {
-            return std::pair(readAddress(item), readCellFormat(item));
-        });
+    const auto formatList
+        = reader.list<std::pair<CellAddress, CellFormat>>("formats"_L1, [](JsonReader &item) {
+              return std::pair(readAddress(item), readCellFormat(item));
+          });
     for (const auto &[address, format] : formatList)
         formats.insert(address, format);
     sheet.setFormats(formats);
@@ -172,11 +172,11 @@ void writeChart(const Chart &chart, QJsonObject &json)
     json.insert("kind"_L1, enumName(chart.kind()));
     json.insert("categories"_L1, stringArray(chart.categories()));
     json.insert("series"_L1, jsonArray(chart.series(), [](const ChartSeries &series) {
-        QJsonArray values;
-        for (const double value : series.values)
-            values.append(value);
-        return QJsonObject{{"name"_L1, series.name}, {"values"_L1, values}};
-    }));
+                    QJsonArray values;
+                    for (const double value : series.values)
+                        values.append(value);
+                    return QJsonObject{{"name"_L1, series.name}, {"values"_L1, values}};
+                }));
     json.insert("valueAxisTitle"_L1, chart.valueAxisTitle());
     json.insert("categoryAxisTitle"_L1, chart.categoryAxisTitle());
 }
@@ -235,48 +235,48 @@ void writeMap(const Map &map, QJsonObject &json)
     json.insert("title"_L1, map.title());
     json.insert("imageAssetPath"_L1, map.imageAssetPath());
     json.insert("regions"_L1, jsonArray(map.regions(), [](const MapRegion &region) {
-        QJsonObject item = preservedJson(region.preservedProperties);
-        item.insert("label"_L1, region.label);
-        item.insert("points"_L1, jsonArray(region.points, [](const MapPoint &point) {
-            QJsonObject stored;
-            insertPoint(point, stored);
-            return stored;
-        }));
-        item.insert("linkedEntityId"_L1, idValue(region.linkedEntityId));
-        item.insert("linkedMapId"_L1, idValue(region.linkedMapId));
-        item.insert("layer"_L1, region.layer);
-        item.insert("revealed"_L1, region.revealed);
-        return item;
-    }));
+                    QJsonObject item = preservedJson(region.preservedProperties);
+                    item.insert("label"_L1, region.label);
+                    item.insert("points"_L1, jsonArray(region.points, [](const MapPoint &point) {
+                                    QJsonObject stored;
+                                    insertPoint(point, stored);
+                                    return stored;
+                                }));
+                    item.insert("linkedEntityId"_L1, idValue(region.linkedEntityId));
+                    item.insert("linkedMapId"_L1, idValue(region.linkedMapId));
+                    item.insert("layer"_L1, region.layer);
+                    item.insert("revealed"_L1, region.revealed);
+                    return item;
+                }));
     json.insert("routes"_L1, jsonArray(map.routes(), [](const MapRoute &route) {
-        QJsonObject item = preservedJson(route.preservedProperties);
-        item.insert("fromEntityId"_L1, idValue(route.fromEntityId));
-        item.insert("toEntityId"_L1, idValue(route.toEntityId));
-        item.insert("distance"_L1, route.distance);
-        item.insert("note"_L1, route.note);
-        return item;
-    }));
+                    QJsonObject item = preservedJson(route.preservedProperties);
+                    item.insert("fromEntityId"_L1, idValue(route.fromEntityId));
+                    item.insert("toEntityId"_L1, idValue(route.toEntityId));
+                    item.insert("distance"_L1, route.distance);
+                    item.insert("note"_L1, route.note);
+                    return item;
+                }));
     json.insert("travelSpeedPerHour"_L1, map.travelSpeedPerHour());
     json.insert("distanceUnit"_L1, map.distanceUnit());
     json.insert("widthDistance"_L1, map.widthDistance());
     json.insert("pins"_L1, jsonArray(map.pins(), [](const MapPin &pin) {
-        QJsonObject item = preservedJson(pin.preservedProperties);
-        item.insert("label"_L1, pin.label);
-        item.insert("note"_L1, pin.note);
-        insertPoint(pin.position, item);
-        return item;
-    }));
+                    QJsonObject item = preservedJson(pin.preservedProperties);
+                    item.insert("label"_L1, pin.label);
+                    item.insert("note"_L1, pin.note);
+                    insertPoint(pin.position, item);
+                    return item;
+                }));
     json.insert("gridKind"_L1, enumName(map.gridKind()));
     json.insert("gridColumns"_L1, map.gridColumns());
     json.insert("gridColor"_L1, map.gridColor());
     json.insert("tokens"_L1, jsonArray(map.tokens(), [](const MapToken &token) {
-        QJsonObject item = preservedJson(token.preservedProperties);
-        item.insert("label"_L1, token.label);
-        item.insert("color"_L1, token.color);
-        item.insert("entityId"_L1, idValue(token.entityId));
-        insertPoint(token.position, item);
-        return item;
-    }));
+                    QJsonObject item = preservedJson(token.preservedProperties);
+                    item.insert("label"_L1, token.label);
+                    item.insert("color"_L1, token.color);
+                    item.insert("entityId"_L1, idValue(token.entityId));
+                    insertPoint(token.position, item);
+                    return item;
+                }));
 }
 
 void readTimeline(JsonReader &reader, Timeline &timeline)
@@ -331,8 +331,8 @@ void writeTimelineEvent(const TimelineEvent &event, QJsonObject &json)
     json.insert("parentId"_L1, idValue(record.parentId));
     json.insert("collapsed"_L1, record.collapsed);
     json.insert("constraints"_L1, jsonArray(record.constraints, [](const EventConstraint &c) {
-        return QJsonObject{{"otherId"_L1, idValue(c.otherId)}, {"kind"_L1, c.kind}};
-    }));
+                    return QJsonObject{{"otherId"_L1, idValue(c.otherId)}, {"kind"_L1, c.kind}};
+                }));
     json.insert("sceneIds"_L1, idArray(record.sceneIds));
     json.insert("description"_L1, record.description);
     json.insert("styleColor"_L1, record.styleColor);
@@ -363,12 +363,12 @@ void writeMedia(const Media &media, QJsonObject &json)
     json.insert("caption"_L1, media.caption());
     json.insert("assetPath"_L1, media.assetPath());
     json.insert("annotations"_L1, jsonArray(media.annotations(), [](const Annotation &annotation) {
-        QJsonObject item = preservedJson(annotation.preservedProperties);
-        item.insert("type"_L1, annotation.type);
-        item.insert("color"_L1, annotation.color);
-        item.insert("text"_L1, annotation.text);
-        return item;
-    }));
+                    QJsonObject item = preservedJson(annotation.preservedProperties);
+                    item.insert("type"_L1, annotation.type);
+                    item.insert("color"_L1, annotation.color);
+                    item.insert("text"_L1, annotation.text);
+                    return item;
+                }));
     if (media.crop().isValid())
         json.insert("crop"_L1, QJsonValue::fromVariant(media.crop()));
 }

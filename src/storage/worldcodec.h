@@ -9,7 +9,7 @@ class Media;
 class Spreadsheet;
 class Timeline;
 class TimelineEvent;
-}
+} // namespace fb::core
 
 namespace fb::app {
 

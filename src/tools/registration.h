@@ -1,23 +1,38 @@
 #pragma once
 
+#include "tools/common/tooldefinition.h"
+
+#include <vector>
+
 namespace fb::app {
 
-class McpChangeLog;
 class McpServer;
-class Workspace;
+class ToolContext;
 
-// The tool families, in the order the server registers them (the order of "tools/list").
-void registerMcpCoreTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerMcpWorldTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerMcpDocumentTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerTimelineTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerCalendarTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerSpreadsheetTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerMapMediaTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerSourceTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerPlanningTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerLanguageTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerTtrpgTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerExportImportTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
+// The tool families, each a list of tool definitions built with the tool kit.
+std::vector<ToolDefinition> coreTools();
+std::vector<ToolDefinition> codexTools();
+std::vector<ToolDefinition> documentTools();
+std::vector<ToolDefinition> calendarTools();
+
+// Each family's registration, in the order the server registers them (the order of
+// "tools/list").
+void registerMcpCoreTools(McpServer &server, ToolContext &context);
+void registerMcpWorldTools(McpServer &server, ToolContext &context);
+void registerMcpDocumentTools(McpServer &server, ToolContext &context);
+void registerCalendarTools(McpServer &server, ToolContext &context);
+
+// Every family in its order; what the server and the tests both register.
+void registerAllTools(McpServer &server, ToolContext &context);
+
+// A family as the README presents it.
+struct ToolFamily
+{
+    QString title;
+    std::vector<ToolDefinition> tools;
+};
+
+// The families in the order registerAllTools() registers them.
+std::vector<ToolFamily> toolFamilies();
 
 } // namespace fb::app

@@ -68,8 +68,8 @@ QString controlCharacters()
 QList<std::pair<QString, QJsonValue>> containedValues(const QJsonObject &property)
 {
     const QList<std::pair<QString, QJsonValue>> elements{
-        {u"null"_s, QJsonValue::Null}, {u"an empty string"_s, QString()},
-        {u"a negative number"_s, -1},  {u"a boolean"_s, false},
+        {u"null"_s, QJsonValue::Null},       {u"an empty string"_s, QString()},
+        {u"a negative number"_s, -1},        {u"a boolean"_s, false},
         {u"an unknown name"_s, missingName}, {u"an array"_s, QJsonArray{}},
         {u"an object"_s, QJsonObject{}},
     };

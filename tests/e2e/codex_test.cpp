@@ -63,14 +63,14 @@ TEST_F(CodexServer, MergesAndUndoesOnDiskAndReadsTheLibrary)
     EXPECT_TRUE(drowned.text.startsWith(
         u"# The Drowned God (Deities)\nFrom the mounted library 'World Lore'.\n"));
 
-    const auto refused = server.call(
-        u"update_entity"_s,
-        {{u"entity"_s, u"Pell"_s}, {u"new_name"_s, u"Young Pell"_s}, {u"born"_s, u"someday"_s}});
+    const auto refused = server.call(u"update_entity"_s, {{u"entity"_s, u"Pell"_s},
+                                                          {u"new_name"_s, u"Young Pell"_s},
+                                                          {u"born"_s, u"someday"_s}});
     EXPECT_TRUE(refused.isError);
     EXPECT_EQ(fb::test::folderContents(project()), golden());
 
-    const auto merged = server.call(
-        u"merge_entities"_s, {{u"source"_s, u"The Smuggler"_s}, {u"target"_s, u"Jory Rusk"_s}});
+    const auto merged = server.call(u"merge_entities"_s, {{u"source"_s, u"The Smuggler"_s},
+                                                          {u"target"_s, u"Jory Rusk"_s}});
     EXPECT_EQ(merged.text,
               u"Merged 'The Smuggler' into 'Jory Rusk', re-pointing 13 reference(s)."_s);
     EXPECT_NE(fb::test::folderContents(project()), golden());

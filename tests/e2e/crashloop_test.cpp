@@ -5,16 +5,16 @@
 // FB_CRASH_KILLS sets the number of kills (a short run by default); FB_CRASH_SEED fixes the
 // random moments.
 
+#include "core/document.h"
 #include "pipedserver.h"
+#include "storage/folderarchive.h"
 #include "support/parameternames.h"
 #include "support/serverprocess.h"
-
-#include "core/document.h"
-#include "storage/folderarchive.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QThread>
@@ -22,6 +22,8 @@
 #include <gtest/gtest.h>
 
 #include <random>
+
+using namespace Qt::StringLiterals;
 
 using fb::test::PipedServer;
 using fb::test::ScratchProject;
@@ -40,13 +42,13 @@ int environmentNumber(const char *name, int fallback)
 
 QString ledgerTitle(int n)
 {
-    return QStringLiteral("Ledger %1").arg(n);
+    return u"Ledger %1"_s.arg(n);
 }
 
 // The token every ledger document carries: one replacement across all of them changes it.
 QString tokenOf(const fb::core::Document &document)
 {
-    const qsizetype at = document.body().indexOf(QStringLiteral("token-"));
+    const qsizetype at = document.body().indexOf(u"token-"_s);
     return at < 0 ? QString() : document.body().mid(at).section(u' ', 0, 0).trimmed();
 }
 
@@ -57,23 +59,23 @@ protected:
 
     void SetUp() override
     {
-        m_scratch = std::make_unique<ScratchProject>(QStringLiteral("projects/novel"));
+        m_scratch = std::make_unique<ScratchProject>(u"projects/novel"_s);
         m_project = m_scratch->path();
         if (isBundle()) {
-            m_project = m_scratch->root() + QStringLiteral("/crash.fablery");
+            m_project = m_scratch->root() + u"/crash.fablery"_s;
             QFile bundle(m_project);
             ASSERT_TRUE(bundle.open(QIODevice::WriteOnly));
             bundle.write(*fb::app::packFolder(m_scratch->path()));
         }
         PipedServer server(m_project, m_dataHome.path());
         for (int n = 1; n <= ledgerCount; ++n) {
-            const auto created = server.call(QStringLiteral("create_document"),
-                                             {{QStringLiteral("title"), ledgerTitle(n)},
-                                              {QStringLiteral("body"), QStringLiteral("Entry token-start here.")}});
+            const auto created = server.call(u"create_document"_s,
+                                             {{u"title"_s, ledgerTitle(n)},
+                                              {u"body"_s, u"Entry token-start here."_s}});
             ASSERT_FALSE(created.isError) << created.text.toStdString();
         }
         ASSERT_EQ(server.finish(), 0);
-        m_allowedTokens = {QStringLiteral("token-start")};
+        m_allowedTokens = {u"token-start"_s};
     }
 
     // What a server started after the kill finds: every acknowledged document, and the ledger in
@@ -101,7 +103,7 @@ protected:
             QDirIterator it(m_project, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
             while (it.hasNext()) {
                 const QString path = it.next();
-                EXPECT_FALSE(path.endsWith(QStringLiteral(".saving")) || path.endsWith(QStringLiteral("journal")))
+                EXPECT_FALSE(path.endsWith(u".saving"_s) || path.endsWith(u"journal"_s))
                     << path.toStdString();
             }
         }
@@ -119,22 +121,28 @@ TEST_P(CrashLoop, KeepsEveryAcknowledgedChangeWhole)
 {
     const int kills = environmentNumber("FB_CRASH_KILLS", 12);
     const unsigned seed = unsigned(environmentNumber("FB_CRASH_SEED", int(std::random_device()())));
-    SCOPED_TRACE(QStringLiteral("FB_CRASH_SEED=%1").arg(seed).toStdString());
+    SCOPED_TRACE(u"FB_CRASH_SEED=%1"_s.arg(seed).toStdString());
     std::mt19937 random(seed);
 
+    int interruptedBatches = 0;
+    int acknowledgedReplacements = 0;
     for (int round = 0; round < kills; ++round) {
         SCOPED_TRACE(round);
+        // A journal left behind means the kill cut a save of several files half way.
+        if (QFileInfo::exists(m_project + u"/.fablery-mcp-journal"_s))
+            ++interruptedBatches;
         // Now and then the working copy is gone, so the open has to unpack the bundle and may be
         // killed half way.
         if (isBundle() && round % 3 == 2)
-            QDir(m_dataHome.filePath(QStringLiteral("Tallowick Works/Fablery MCP/workingcopies-mcp"))).removeRecursively();
+            QDir(m_dataHome.filePath(u"Tallowick Works/Fablery MCP/workingcopies-mcp"_s))
+                .removeRecursively();
 
         {
             PipedServer server(m_project, m_dataHome.path());
             ASSERT_TRUE(server.isStarted());
             // The restarted server has opened the project (finishing any interrupted save) once it
             // answers.
-            ASSERT_FALSE(server.call(QStringLiteral("get_recent_changes")).text.isEmpty())
+            ASSERT_FALSE(server.call(u"get_recent_changes"_s).text.isEmpty())
                 << server.standardError().toStdString();
             checkProjectOnDisk();
             if (::testing::Test::HasFatalFailure())
@@ -143,13 +151,13 @@ TEST_P(CrashLoop, KeepsEveryAcknowledgedChangeWhole)
             QStringList tokens;
             for (int call = 0; call < callsPerRound; ++call) {
                 const int id = 2 * call;
-                server.sendCall(id, QStringLiteral("create_document"),
-                                {{QStringLiteral("title"), QStringLiteral("Crash %1-%2").arg(round).arg(call)}});
-                tokens.append(QStringLiteral("token-%1-%2").arg(round).arg(call));
-                server.sendCall(id + 1, QStringLiteral("find_replace"),
-                                {{QStringLiteral("find"), QStringLiteral("token-[0-9a-z-]+")},
-                                 {QStringLiteral("replace"), tokens.last()},
-                                 {QStringLiteral("regex"), true}});
+                server.sendCall(id, u"create_document"_s,
+                                {{u"title"_s, u"Crash %1-%2"_s.arg(round).arg(call)}});
+                tokens.append(u"token-%1-%2"_s.arg(round).arg(call));
+                server.sendCall(id + 1, u"find_replace"_s,
+                                {{u"find"_s, u"token-[0-9a-z-]+"_s},
+                                 {u"replace"_s, tokens.last()},
+                                 {u"regex"_s, true}});
             }
             QThread::msleep(std::uniform_int_distribution<int>(0, 150)(random));
             server.kill();
@@ -158,9 +166,11 @@ TEST_P(CrashLoop, KeepsEveryAcknowledgedChangeWhole)
             int lastReplacement = -1;
             for (int call = 0; call < callsPerRound; ++call) {
                 if (answers.contains(2 * call) && !answers.value(2 * call).isError)
-                    m_acknowledged.insert(QStringLiteral("Crash %1-%2").arg(round).arg(call));
-                if (answers.contains(2 * call + 1) && !answers.value(2 * call + 1).isError)
+                    m_acknowledged.insert(u"Crash %1-%2"_s.arg(round).arg(call));
+                if (answers.contains(2 * call + 1) && !answers.value(2 * call + 1).isError) {
                     lastReplacement = call;
+                    ++acknowledgedReplacements;
+                }
             }
             // Any replacement sent after the last acknowledged one may have reached the disk too.
             QSet<QString> allowed(tokens.cbegin() + std::max(lastReplacement, 0), tokens.cend());
@@ -169,8 +179,12 @@ TEST_P(CrashLoop, KeepsEveryAcknowledgedChangeWhole)
             m_allowedTokens = allowed;
         }
     }
+    std::printf("%d kills: %lld documents and %d replacements across the ledger acknowledged, "
+                "%d saves of several files interrupted and finished at the next start\n",
+                kills, static_cast<long long>(m_acknowledged.size()), acknowledgedReplacements,
+                interruptedBatches);
     PipedServer last(m_project, m_dataHome.path());
-    ASSERT_FALSE(last.call(QStringLiteral("get_recent_changes")).text.isEmpty());
+    ASSERT_FALSE(last.call(u"get_recent_changes"_s).text.isEmpty());
     checkProjectOnDisk();
     EXPECT_EQ(last.finish(), 0);
 }

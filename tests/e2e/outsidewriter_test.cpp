@@ -5,17 +5,16 @@
 //
 // FB_OUTSIDE_SECONDS sets how long the two work side by side (a short run by default).
 
-#include "pipedserver.h"
-#include "support/parameternames.h"
-#include "support/serverprocess.h"
-
 #include "core/document.h"
 #include "core/ids.h"
 #include "core/task.h"
+#include "pipedserver.h"
 #include "storage/folderarchive.h"
 #include "storage/storagepaths.h"
 #include "storage/zip/zipreader.h"
 #include "storage/zip/zipwriter.h"
+#include "support/parameternames.h"
+#include "support/serverprocess.h"
 
 #include <QDeadlineTimer>
 #include <QDir>
@@ -37,6 +36,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+using namespace Qt::StringLiterals;
+
 using fb::test::PipedServer;
 using fb::test::ScratchProject;
 
@@ -51,11 +52,11 @@ int environmentNumber(const char *name, int fallback)
 
 QByteArray taskFile(const QUuid &id, int version)
 {
-    const QJsonObject task{{QStringLiteral("id"), fb::core::idText(id)},
-                           {QStringLiteral("type"), QStringLiteral("task")},
-                           {QStringLiteral("title"), QStringLiteral("Outside %1").arg(fb::core::idText(id).left(8))},
-                           {QStringLiteral("description"), QStringLiteral("version %1").arg(version)},
-                           {QStringLiteral("board"), QStringLiteral("Outside")}};
+    const QJsonObject task{{u"id"_s, fb::core::idText(id)},
+                           {u"type"_s, u"task"_s},
+                           {u"title"_s, u"Outside %1"_s.arg(fb::core::idText(id).left(8))},
+                           {u"description"_s, u"version %1"_s.arg(version)},
+                           {u"board"_s, u"Outside"_s}};
     return QJsonDocument(task).toJson();
 }
 
@@ -68,7 +69,7 @@ void writeInPlace(const QString &path, const QByteArray &bytes)
 
 void writeByRename(const QString &path, const QByteArray &bytes)
 {
-    const QString temporary = path + QStringLiteral(".outside-tmp");
+    const QString temporary = path + u".outside-tmp"_s;
     writeInPlace(temporary, bytes);
     ::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(path).constData());
 }
@@ -86,16 +87,18 @@ void outsideFolderWriter(const QString &folder, std::atomic<bool> &stop, unsigne
         QThread::msleep(std::uniform_int_distribution<int>(1, 25)(random));
         if (owned.empty() || action == 0) {
             const QUuid id = QUuid::createUuid();
-            const QString path = QDir(folder).filePath(QStringLiteral("objects/%1.json").arg(fb::core::idText(id)));
+            const QString path = QDir(folder).filePath(
+                u"objects/%1.json"_s.arg(fb::core::idText(id)));
             const QByteArray bytes = taskFile(id, ++version);
             writeByRename(path, bytes);
             owned.push_back(id);
             expected[path] = bytes;
             continue;
         }
-        const std::size_t pick = std::uniform_int_distribution<std::size_t>(0, owned.size() - 1)(random);
+        const std::size_t pick = std::uniform_int_distribution<std::size_t>(0, owned.size()
+                                                                                   - 1)(random);
         const QUuid id = owned[pick];
-        const QString path = QDir(folder).filePath(QStringLiteral("objects/%1.json").arg(fb::core::idText(id)));
+        const QString path = QDir(folder).filePath(u"objects/%1.json"_s.arg(fb::core::idText(id)));
         const QByteArray bytes = taskFile(id, ++version);
         switch (action) {
         case 1:
@@ -152,7 +155,7 @@ void outsideBundleWriter(const QString &bundle, const QString &lockFile, std::at
         QByteArray content;
         if (owned.empty() || std::uniform_int_distribution<int>(0, 3)(random) != 0) {
             const QUuid id = QUuid::createUuid();
-            name = QStringLiteral("objects/%1.json").arg(fb::core::idText(id));
+            name = u"objects/%1.json"_s.arg(fb::core::idText(id));
             content = taskFile(id, ++version);
             entries[name] = content;
         } else {
@@ -162,17 +165,20 @@ void outsideBundleWriter(const QString &bundle, const QString &lockFile, std::at
         QList<fb::app::ZipEntry> packed;
         for (const auto &[entryName, data] : entries)
             packed.append({entryName, data});
-        const QString temporary = bundle + QStringLiteral(".outside-tmp");
+        const QString temporary = bundle + u".outside-tmp"_s;
         writeInPlace(temporary, fb::app::writeZip(packed));
 
         const int lock = ::open(QFile::encodeName(lockFile).constData(), O_RDWR | O_CREAT, 0644);
         ::flock(lock, LOCK_EX);
         struct stat now;
         const bool unchanged = ::stat(QFile::encodeName(bundle).constData(), &now) == 0
-                               && now.st_ino == before.st_ino && now.st_mtim.tv_nsec == before.st_mtim.tv_nsec
-                               && now.st_mtim.tv_sec == before.st_mtim.tv_sec && now.st_size == before.st_size;
+                               && now.st_ino == before.st_ino
+                               && now.st_mtim.tv_nsec == before.st_mtim.tv_nsec
+                               && now.st_mtim.tv_sec == before.st_mtim.tv_sec
+                               && now.st_size == before.st_size;
         if (unchanged)
-            ::rename(QFile::encodeName(temporary).constData(), QFile::encodeName(bundle).constData());
+            ::rename(QFile::encodeName(temporary).constData(),
+                     QFile::encodeName(bundle).constData());
         ::flock(lock, LOCK_UN);
         ::close(lock);
         QFile::remove(temporary);
@@ -194,11 +200,11 @@ protected:
 
 TEST_P(OutsideWriter, LosesNeitherTheOtherProgramsWorkNorTheServers)
 {
-    ScratchProject scratch(QStringLiteral("projects/novel"));
+    ScratchProject scratch(u"projects/novel"_s);
     QTemporaryDir dataHome;
     QString project = scratch.path();
     if (isBundle()) {
-        project = scratch.root() + QStringLiteral("/outside.fablery");
+        project = scratch.root() + u"/outside.fablery"_s;
         QFile bundle(project);
         ASSERT_TRUE(bundle.open(QIODevice::WriteOnly));
         bundle.write(*fb::app::packFolder(scratch.path()));
@@ -208,12 +214,13 @@ TEST_P(OutsideWriter, LosesNeitherTheOtherProgramsWorkNorTheServers)
     const int seconds = environmentNumber("FB_OUTSIDE_SECONDS", 6);
 
     PipedServer server(project, dataHome.path());
-    ASSERT_FALSE(server.call(QStringLiteral("get_recent_changes")).text.isEmpty());
+    ASSERT_FALSE(server.call(u"get_recent_changes"_s).text.isEmpty());
     std::atomic<bool> stop = false;
     std::map<QString, QByteArray> outside;
     const QString lockFile = QDir(dataHome.path())
-                                 .filePath(QStringLiteral("Tallowick Works/Fablery MCP/locks/%1.lock")
-                                               .arg(fb::app::workingCopyName(QFileInfo(project).absoluteFilePath())));
+                                 .filePath(u"Tallowick Works/Fablery MCP/locks/%1.lock"_s.arg(
+                                     fb::app::workingCopyName(
+                                         QFileInfo(project).absoluteFilePath())));
     std::thread other([&] {
         if (isBundle())
             outsideBundleWriter(project, lockFile, stop, seed, outside);
@@ -229,8 +236,8 @@ TEST_P(OutsideWriter, LosesNeitherTheOtherProgramsWorkNorTheServers)
     int refused = 0;
     while (!deadline.hasExpired()) {
         if (acknowledged.empty() || std::uniform_int_distribution<int>(0, 2)(random) == 0) {
-            const QString title = QStringLiteral("Server %1").arg(++created);
-            const auto answer = server.call(QStringLiteral("create_document"), {{QStringLiteral("title"), title}});
+            const QString title = u"Server %1"_s.arg(++created);
+            const auto answer = server.call(u"create_document"_s, {{u"title"_s, title}});
             ASSERT_FALSE(answer.text.isEmpty()) << "the server stopped answering";
             if (!answer.isError)
                 acknowledged[title] = QString();
@@ -239,10 +246,11 @@ TEST_P(OutsideWriter, LosesNeitherTheOtherProgramsWorkNorTheServers)
             continue;
         }
         auto it = acknowledged.begin();
-        std::advance(it, std::uniform_int_distribution<std::size_t>(0, acknowledged.size() - 1)(random));
-        const QString status = QStringLiteral("Pass %1").arg(created);
-        const auto answer = server.call(QStringLiteral("update_document"),
-                                        {{QStringLiteral("title"), it->first}, {QStringLiteral("status"), status}});
+        std::advance(it, std::uniform_int_distribution<std::size_t>(0, acknowledged.size()
+                                                                           - 1)(random));
+        const QString status = u"Pass %1"_s.arg(created);
+        const auto answer = server.call(u"update_document"_s,
+                                        {{u"title"_s, it->first}, {u"status"_s, status}});
         ASSERT_FALSE(answer.text.isEmpty()) << "the server stopped answering";
         if (!answer.isError)
             it->second = status;
@@ -252,7 +260,7 @@ TEST_P(OutsideWriter, LosesNeitherTheOtherProgramsWorkNorTheServers)
     stop = true;
     other.join();
     // One last call adopts whatever the other program left.
-    ASSERT_FALSE(server.call(QStringLiteral("get_recent_changes")).text.isEmpty());
+    ASSERT_FALSE(server.call(u"get_recent_changes"_s).text.isEmpty());
     EXPECT_EQ(server.finish(), 0);
     std::printf("%d server changes acknowledged, %d refused, %zu outside files\n",
                 int(acknowledged.size()), refused, outside.size());
@@ -293,6 +301,7 @@ TEST_P(OutsideWriter, LosesNeitherTheOtherProgramsWorkNorTheServers)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(FolderAndBundle, OutsideWriter, ::testing::Bool(), fb::test::folderOrBundle);
+INSTANTIATE_TEST_SUITE_P(FolderAndBundle, OutsideWriter, ::testing::Bool(),
+                         fb::test::folderOrBundle);
 
 } // namespace

@@ -9,12 +9,14 @@
 #include <QJsonDocument>
 #include <QTemporaryDir>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::test {
 
 PipedServer::PipedServer(const QString &project, const QString &dataHome)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), dataHome);
+    environment.insert(u"XDG_DATA_HOME"_s, dataHome);
     m_process.setProcessEnvironment(environment);
     m_process.start(QStringLiteral(FB_SERVER_BINARY), {project});
     m_started = m_process.waitForStarted(20000);
@@ -28,12 +30,11 @@ PipedServer::~PipedServer()
 
 void PipedServer::sendCall(int id, const QString &tool, const QJsonObject &arguments)
 {
-    const QJsonObject request{{QStringLiteral("jsonrpc"), QStringLiteral("2.0")},
-                              {QStringLiteral("id"), id},
-                              {QStringLiteral("method"), QStringLiteral("tools/call")},
-                              {QStringLiteral("params"),
-                               QJsonObject{{QStringLiteral("name"), tool},
-                                           {QStringLiteral("arguments"), arguments}}}};
+    const QJsonObject request{{u"jsonrpc"_s, u"2.0"_s},
+                              {u"id"_s, id},
+                              {u"method"_s, u"tools/call"_s},
+                              {u"params"_s,
+                               QJsonObject{{u"name"_s, tool}, {u"arguments"_s, arguments}}}};
     m_process.write(QJsonDocument(request).toJson(QJsonDocument::Compact) + '\n');
 }
 
@@ -57,12 +58,12 @@ void PipedServer::readAvailable()
     while ((end = m_pending.indexOf('\n')) >= 0) {
         const QJsonObject line = QJsonDocument::fromJson(m_pending.left(end)).object();
         m_pending.remove(0, end + 1);
-        const QJsonObject result = line.value(QStringLiteral("result")).toObject();
+        const QJsonObject result = line.value(u"result"_s).toObject();
         Answer answer;
-        answer.text = result.value(QStringLiteral("content")).toArray().at(0).toObject().value(QStringLiteral("text")).toString();
-        answer.isError = !line.contains(QStringLiteral("result"))
-                         || result.value(QStringLiteral("isError")).toBool();
-        m_answers.insert(line.value(QStringLiteral("id")).toInt(), answer);
+        answer.text
+            = result.value(u"content"_s).toArray().at(0).toObject().value(u"text"_s).toString();
+        answer.isError = !line.contains(u"result"_s) || result.value(u"isError"_s).toBool();
+        m_answers.insert(line.value(u"id"_s).toInt(), answer);
     }
 }
 
@@ -95,13 +96,13 @@ QByteArray PipedServer::standardError()
 
 Result<std::unique_ptr<core::Project>> readProjectOnDisk(const QString &project)
 {
-    if (!project.endsWith(QStringLiteral(".fablery")))
+    if (!project.endsWith(u".fablery"_s))
         return app::readProjectFolder(project);
     QFile bundle(project);
     if (!bundle.open(QIODevice::ReadOnly))
-        return makeError(QStringLiteral("The bundle cannot be read."));
+        return makeError(u"The bundle cannot be read."_s);
     QTemporaryDir scratch;
-    const QString folder = scratch.filePath(QStringLiteral("unpacked"));
+    const QString folder = scratch.filePath(u"unpacked"_s);
     if (const Result<void> unpacked = app::extractArchive(bundle.readAll(), folder); !unpacked)
         return makeError(unpacked.error());
     return app::readProjectFolder(folder);

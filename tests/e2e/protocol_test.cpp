@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+using namespace Qt::StringLiterals;
+
 using fb::test::ScratchProject;
 using fb::test::ServerProcess;
 
@@ -22,15 +24,15 @@ constexpr char syncAnswer[] = R"({"id":"sync","jsonrpc":"2.0","result":{}})";
 
 // The longest line the server reads, the line feed not counted, and its answer to a longer one.
 constexpr qsizetype lineCap = 10 * 1024 * 1024;
-const QByteArray tooLongAnswer =
-    R"({"error":{"code":-32700,"message":"The message is longer than 10485760 bytes, the most )"
-    R"(this server reads in one line."},"id":null,"jsonrpc":"2.0"})";
+const QByteArray tooLongAnswer
+    = R"({"error":{"code":-32700,"message":"The message is longer than 10485760 bytes, the most )"
+      R"(this server reads in one line."},"id":null,"jsonrpc":"2.0"})";
 
 // A ping whose padding in its params brings the whole line to exactly `length` bytes.
 QByteArray paddedPing(int id, qsizetype length)
 {
-    const QByteArray head =
-        R"({"id":)" + QByteArray::number(id) + R"(,"method":"ping","params":{"pad":")";
+    const QByteArray head = R"({"id":)" + QByteArray::number(id)
+                            + R"(,"method":"ping","params":{"pad":")";
     const QByteArray tail = R"("}})";
     return head + QByteArray(length - head.size() - tail.size(), 'x') + tail;
 }
@@ -43,7 +45,7 @@ QByteArray pingAnswer(int id)
 // The most memory the process has held so far, from the kernel's own account; -1 if unknown.
 qint64 peakMemoryBytes(qint64 processId)
 {
-    QFile status(QStringLiteral("/proc/%1/status").arg(processId));
+    QFile status(u"/proc/%1/status"_s.arg(processId));
     if (!status.open(QIODevice::ReadOnly))
         return -1;
     for (const QByteArray &line : status.readAll().split('\n')) {
@@ -56,13 +58,13 @@ qint64 peakMemoryBytes(qint64 processId)
 class ProtocolTest : public ::testing::Test
 {
 protected:
-    ScratchProject m_project{QStringLiteral("projects/minimal")};
+    ScratchProject m_project{u"projects/minimal"_s};
     ServerProcess m_server{{m_project.path()}};
 };
 
 TEST(ServerCommandLine, RefusesAWrongArgumentCountWithTheUsageText)
 {
-    const QList<QStringList> argumentLists{{}, {QStringLiteral("a"), QStringLiteral("b")}};
+    const QList<QStringList> argumentLists{{}, {u"a"_s, u"b"_s}};
     for (const QStringList &arguments : argumentLists) {
         SCOPED_TRACE(arguments.join(u' ').toStdString());
         ServerProcess server(arguments);
@@ -73,25 +75,51 @@ TEST(ServerCommandLine, RefusesAWrongArgumentCountWithTheUsageText)
     }
 }
 
+TEST(ServerCommandLine, AnswersHelpAndVersionOnStandardOutput)
+{
+    const struct
+    {
+        QString argument;
+        QByteArray output;
+    } cases[] = {
+        {u"--help"_s, usageText},
+        {u"-h"_s, usageText},
+        {u"--version"_s, "fablery-mcp 0.1.2\n"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.argument.toStdString());
+        ServerProcess server({c.argument});
+        EXPECT_EQ(server.finish(), 0);
+        QByteArray output;
+        for (QByteArray line = server.readLine(100); !line.isEmpty(); line = server.readLine(100))
+            output += line + '\n';
+        EXPECT_EQ(output, c.output);
+        EXPECT_TRUE(server.standardError().isEmpty());
+    }
+}
+
 TEST(ServerCommandLine, ReportsAProjectThatCannotBeOpenedWithStatusOne)
 {
     QTemporaryDir empty;
-    const QString missing = empty.filePath(QStringLiteral("missing"));
+    const QString missing = empty.filePath(u"missing"_s);
+    const QString file = empty.filePath(u"notes.txt"_s);
+    QFile(file).open(QIODevice::WriteOnly);
     const struct
     {
         QString path;
         QString message;
     } cases[] = {
-        {missing, QStringLiteral("The project folder does not exist: %1").arg(missing)},
-        {empty.path(), QStringLiteral("The folder is not an Fablery project (no project.json): %1")
-                           .arg(empty.path())},
+        {missing, u"The project folder does not exist: %1"_s.arg(missing)},
+        {empty.path(),
+         u"The folder is not an Fablery project (no project.json): %1"_s.arg(empty.path())},
+        {file, u"The project path is a file, not a project folder: %1"_s.arg(file)},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.path.toStdString());
         ServerProcess server({c.path});
         EXPECT_EQ(server.finish(), 1);
         EXPECT_EQ(server.standardError(),
-                  QStringLiteral("Could not open the project: %1\n").arg(c.message).toUtf8());
+                  u"Could not open the project: %1\n"_s.arg(c.message).toUtf8());
         EXPECT_TRUE(server.readLine(100).isEmpty());
     }
 }
@@ -100,7 +128,25 @@ TEST_F(ProtocolTest, WritesTheBannerAndExitsCleanlyAtEndOfInput)
 {
     EXPECT_EQ(m_server.finish(), 0);
     EXPECT_EQ(m_server.standardError(),
-              QStringLiteral("fablery-mcp serving %1\n").arg(m_project.path()).toUtf8());
+              u"fablery-mcp serving %1\n"_s.arg(m_project.path()).toUtf8());
+}
+
+// However the folder is named (with a trailing separator, or by its project file), it is the
+// same folder, and its backups carry its name.
+TEST(ServerCommandLine, OpensAProjectFolderHoweverItIsNamed)
+{
+    ScratchProject project(u"projects/minimal"_s);
+    for (const QString &path : {project.path() + u'/', project.filePath(u"project.json"_s)}) {
+        SCOPED_TRACE(path.toStdString());
+        ServerProcess server({path});
+        const auto backup = server.call(u"backup_project"_s);
+        ASSERT_FALSE(backup.isError) << backup.text.toStdString();
+        EXPECT_TRUE(backup.text.contains(u"/backups/minimal/minimal-"_s))
+            << backup.text.toStdString();
+        EXPECT_EQ(server.finish(), 0);
+        EXPECT_EQ(server.standardError(),
+                  u"fablery-mcp serving %1\n"_s.arg(project.path()).toUtf8());
+    }
 }
 
 TEST_F(ProtocolTest, AnswersEachLineExactly)
@@ -114,8 +160,7 @@ TEST_F(ProtocolTest, AnswersEachLineExactly)
         {"blank line", "", ""},
         {"white space only", "  \t \r", ""},
         {"Unicode white space only", " \xc2\xa0\xe2\x80\xa8\xe3\x80\x80", ""},
-        {"malformed UTF-8 reads as replacement characters",
-         "{\"id\":\"a\xff\",\"method\":\"ping\"}",
+        {"malformed UTF-8 reads as replacement characters", "{\"id\":\"a\xff\",\"method\":\"ping\"}",
          "{\"id\":\"a\xef\xbf\xbd\",\"jsonrpc\":\"2.0\",\"result\":{}}"},
         {"notification", R"({"jsonrpc":"2.0","method":"notifications/initialized"})", ""},
         {"unknown method as notification", R"({"method":"no/such"})", ""},
@@ -154,7 +199,8 @@ TEST_F(ProtocolTest, AnswersEachLineExactly)
         const QByteArray answer = c.answer.isEmpty() ? QByteArray() : m_server.readLine();
         if (c.answer == parseErrorPrefix) {
             EXPECT_TRUE(answer.startsWith(parseErrorPrefix)) << answer.toStdString();
-            EXPECT_TRUE(answer.endsWith(R"("},"id":null,"jsonrpc":"2.0"})")) << answer.toStdString();
+            EXPECT_TRUE(answer.endsWith(R"("},"id":null,"jsonrpc":"2.0"})"))
+                << answer.toStdString();
         } else {
             EXPECT_EQ(answer, c.answer);
         }
@@ -171,34 +217,27 @@ TEST_F(ProtocolTest, NegotiatesTheProtocolVersion)
         QJsonValue requested;
         QString answered;
     } cases[] = {
-        {QStringLiteral("2024-11-05"), QStringLiteral("2024-11-05")},
-        {QStringLiteral("2025-03-26"), QStringLiteral("2025-03-26")},
-        {QStringLiteral("2025-06-18"), QStringLiteral("2025-06-18")},
-        {QStringLiteral("2099-01-01"), QStringLiteral("2025-06-18")},
-        {QStringLiteral("2023-01-01"), QStringLiteral("2025-06-18")},
-        {QStringLiteral("not a date"), QStringLiteral("2025-06-18")},
-        {20241105, QStringLiteral("2025-06-18")},
-        {QJsonValue(QJsonValue::Undefined), QStringLiteral("2025-06-18")},
+        {u"2024-11-05"_s, u"2024-11-05"_s}, {u"2025-03-26"_s, u"2025-03-26"_s},
+        {u"2025-06-18"_s, u"2025-06-18"_s}, {u"2099-01-01"_s, u"2025-06-18"_s},
+        {u"2023-01-01"_s, u"2025-06-18"_s}, {u"not a date"_s, u"2025-06-18"_s},
+        {20241105, u"2025-06-18"_s},        {QJsonValue(QJsonValue::Undefined), u"2025-06-18"_s},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(QJsonDocument(QJsonArray{c.requested}).toJson().toStdString());
         QJsonObject params;
         if (!c.requested.isUndefined())
-            params.insert(QStringLiteral("protocolVersion"), c.requested);
-        const QJsonObject answer = m_server.request(QJsonObject{
-            {QStringLiteral("id"), 1},
-            {QStringLiteral("method"), QStringLiteral("initialize")},
-            {QStringLiteral("params"), params}});
-        const QJsonObject result = answer.value(QStringLiteral("result")).toObject();
-        EXPECT_EQ(result.value(QStringLiteral("protocolVersion")).toString(), c.answered);
-        EXPECT_EQ(result.value(QStringLiteral("capabilities")).toObject(),
-                  (QJsonObject{{QStringLiteral("tools"), QJsonObject()}}));
-        EXPECT_EQ(result.value(QStringLiteral("serverInfo")).toObject(),
-                  (QJsonObject{{QStringLiteral("name"), QStringLiteral("fablery")},
-                               {QStringLiteral("version"), QStringLiteral("0.1.2")}}));
-        EXPECT_TRUE(result.value(QStringLiteral("instructions"))
+            params.insert(u"protocolVersion"_s, c.requested);
+        const QJsonObject answer = m_server.request(
+            QJsonObject{{u"id"_s, 1}, {u"method"_s, u"initialize"_s}, {u"params"_s, params}});
+        const QJsonObject result = answer.value(u"result"_s).toObject();
+        EXPECT_EQ(result.value(u"protocolVersion"_s).toString(), c.answered);
+        EXPECT_EQ(result.value(u"capabilities"_s).toObject(),
+                  (QJsonObject{{u"tools"_s, QJsonObject()}}));
+        EXPECT_EQ(result.value(u"serverInfo"_s).toObject(),
+                  (QJsonObject{{u"name"_s, u"fablery"_s}, {u"version"_s, u"0.1.2"_s}}));
+        EXPECT_TRUE(result.value(u"instructions"_s)
                         .toString()
-                        .startsWith(QStringLiteral("This server operates one Fablery project.")));
+                        .startsWith(u"This server operates one Fablery project."_s));
     }
 }
 
@@ -215,8 +254,9 @@ TEST_F(ProtocolTest, SurvivesHugeAndDeeplyNestedLines)
         {"10 MB of garbage", padding, parseErrorPrefix},
         {"deeply nested arrays", QByteArray(200000, '[') + QByteArray(200000, ']'),
          parseErrorPrefix},
-        {"deeply nested params", R"({"id":2,"method":"ping","params":)" + QByteArray(100000, '[')
-                                     + QByteArray(100000, ']') + "}",
+        {"deeply nested params",
+         R"({"id":2,"method":"ping","params":)" + QByteArray(100000, '[') + QByteArray(100000, ']')
+             + "}",
          parseErrorPrefix},
     };
     for (const auto &c : cases) {

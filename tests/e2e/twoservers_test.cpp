@@ -3,12 +3,11 @@
 //
 // FB_TWO_SERVERS_CALLS sets the number of changes each server makes.
 
+#include "core/document.h"
 #include "pipedserver.h"
+#include "storage/folderarchive.h"
 #include "support/parameternames.h"
 #include "support/serverprocess.h"
-
-#include "core/document.h"
-#include "storage/folderarchive.h"
 
 #include <QDeadlineTimer>
 #include <QFile>
@@ -16,6 +15,8 @@
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
+
+using namespace Qt::StringLiterals;
 
 using fb::test::PipedServer;
 using fb::test::ScratchProject;
@@ -30,17 +31,16 @@ int environmentNumber(const char *name, int fallback)
 }
 
 class TwoServers : public ::testing::TestWithParam<bool>
-{
-};
+{};
 
 TEST_P(TwoServers, LoseNoAcknowledgedChange)
 {
     const bool isBundle = GetParam();
-    ScratchProject scratch(QStringLiteral("projects/novel"));
+    ScratchProject scratch(u"projects/novel"_s);
     QTemporaryDir dataHome;
     QString project = scratch.path();
     if (isBundle) {
-        project = scratch.root() + QStringLiteral("/shared.fablery");
+        project = scratch.root() + u"/shared.fablery"_s;
         QFile bundle(project);
         ASSERT_TRUE(bundle.open(QIODevice::WriteOnly));
         bundle.write(*fb::app::packFolder(scratch.path()));
@@ -52,28 +52,26 @@ TEST_P(TwoServers, LoseNoAcknowledgedChange)
     ASSERT_TRUE(first.isStarted() && second.isStarted());
     // Both write their whole stream of changes ahead, so the two run side by side.
     for (int call = 0; call < calls; ++call) {
-        first.sendCall(call, QStringLiteral("create_document"),
-                       {{QStringLiteral("title"), QStringLiteral("First %1").arg(call)}});
-        second.sendCall(call, QStringLiteral("create_document"),
-                        {{QStringLiteral("title"), QStringLiteral("Second %1").arg(call)}});
+        first.sendCall(call, u"create_document"_s, {{u"title"_s, u"First %1"_s.arg(call)}});
+        second.sendCall(call, u"create_document"_s, {{u"title"_s, u"Second %1"_s.arg(call)}});
     }
     EXPECT_EQ(first.finish(), 0);
     EXPECT_EQ(second.finish(), 0);
 
     QSet<QString> acknowledged;
     int refused = 0;
-    for (auto [server, name] : {std::pair{&first, QStringLiteral("First")}, std::pair{&second, QStringLiteral("Second")}}) {
+    for (auto [server, name] : {std::pair{&first, u"First"_s}, std::pair{&second, u"Second"_s}}) {
         const auto answers = server->answers();
         EXPECT_EQ(answers.size(), calls) << name.toStdString();
         for (auto it = answers.cbegin(); it != answers.cend(); ++it) {
             if (it->isError)
                 ++refused;
             else
-                acknowledged.insert(QStringLiteral("%1 %2").arg(name).arg(it.key()));
+                acknowledged.insert(u"%1 %2"_s.arg(name).arg(it.key()));
         }
     }
-    std::printf("%lld of %d changes acknowledged, %d refused\n", static_cast<long long>(acknowledged.size()),
-                2 * calls, refused);
+    std::printf("%lld of %d changes acknowledged, %d refused\n",
+                static_cast<long long>(acknowledged.size()), 2 * calls, refused);
     // Taking turns, neither server has a reason to refuse the other's.
     EXPECT_EQ(refused, 0);
 

@@ -2,9 +2,9 @@
 // must accept and refuse the same streams and agree on every byte they produce. Without it the
 // target still checks what the output limit promises.
 
-#include "fuzzcheck.h"
-
 #include "storage/zip/inflate.h"
+
+#include "fuzzcheck.h"
 
 #include <algorithm>
 #include <cstdint>

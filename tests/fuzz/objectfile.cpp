@@ -2,11 +2,10 @@
 // an object file, a category file and the project settings alike. Whatever a reader accepts
 // must write back in a stored form that reads again to the very same stored form.
 
-#include "fuzzcheck.h"
-
 #include "core/category.h"
 #include "core/contentobject.h"
 #include "core/project.h"
+#include "fuzzcheck.h"
 #include "storage/categorycodec.h"
 #include "storage/objectcodec.h"
 #include "storage/projectsettingscodec.h"
@@ -15,12 +14,14 @@
 
 #include <cstdint>
 
+using namespace Qt::StringLiterals;
+
 using namespace fb;
 using namespace fb::app;
 
 namespace {
 
-const QString filePath = QStringLiteral("objects/fuzz.json");
+const QString filePath = u"objects/fuzz.json"_s;
 
 void readObject(const QJsonObject &json)
 {

@@ -3,13 +3,14 @@
 // an era label. A date that reads must read back from its own formatted text to the same
 // instant.
 
-#include "fuzzcheck.h"
-
 #include "core/calendar.h"
 #include "core/storytime.h"
+#include "fuzzcheck.h"
 #include "tools/common/storydates.h"
 
 #include <cstdint>
+
+using namespace Qt::StringLiterals;
 
 using namespace fb;
 
@@ -18,12 +19,12 @@ namespace {
 core::Calendar inventedCalendar()
 {
     core::Calendar calendar;
-    calendar.name = QStringLiteral("Reckoning of the Vale");
-    calendar.months = {{QStringLiteral("Frostmoon"), 31},     {QStringLiteral("Thaw"), 1},
-                       {QStringLiteral("Harvest Moon"), 45},  {QStringLiteral("Harvestide"), 12},
-                       {QStringLiteral("Long Dark Night"), 7}, {QStringLiteral("Year End"), 100}};
-    calendar.weekdays = {QStringLiteral("Oneday"), QStringLiteral("Twoday")};
-    calendar.eraName = QStringLiteral("After Ruin");
+    calendar.name = u"Reckoning of the Vale"_s;
+    calendar.months = {{u"Frostmoon"_s, 31},      {u"Thaw"_s, 1},
+                       {u"Harvest Moon"_s, 45},   {u"Harvestide"_s, 12},
+                       {u"Long Dark Night"_s, 7}, {u"Year End"_s, 100}};
+    calendar.weekdays = {u"Oneday"_s, u"Twoday"_s};
+    calendar.eraName = u"After Ruin"_s;
     return calendar;
 }
 

@@ -4,7 +4,6 @@
 // refused archive must leave no trace, and an unpacked file must hold what its entry decodes to.
 
 #include "fuzzcheck.h"
-
 #include "storage/folderarchive.h"
 #include "storage/zip/zipreader.h"
 
@@ -13,6 +12,8 @@
 #include <QTemporaryDir>
 
 #include <cstdint>
+
+using namespace Qt::StringLiterals;
 
 using namespace fb;
 using namespace fb::app;
@@ -54,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 
     QTemporaryDir parent;
     FB_FUZZ_CHECK(parent.isValid());
-    const QString folder = parent.filePath(QStringLiteral("unpacked"));
+    const QString folder = parent.filePath(u"unpacked"_s);
     UnpackLimits limits;
     limits.maxTotalSize = kMaxUnpacked;
     const Result<void> unpacked = extractArchive(archive, folder, limits);
@@ -64,7 +65,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         return 0;
     }
     FB_FUZZ_CHECK(directory.hasValue());
-    FB_FUZZ_CHECK(entriesOf(parent.path()) == QStringList{QStringLiteral("unpacked")});
+    FB_FUZZ_CHECK(entriesOf(parent.path()) == QStringList{u"unpacked"_s});
     for (const auto &[name, bytes] : decoded) {
         if (!name.endsWith(u'/'))
             FB_FUZZ_CHECK(fileBytes(folder + u'/' + name) == bytes);

@@ -8,6 +8,8 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::test {
 
 bool copyFolder(const QString &from, const QString &to)
@@ -64,7 +66,7 @@ ServerProcess::ServerProcess(const QStringList &arguments, const QString &dataHo
     : m_dataHome(dataHome.isEmpty() ? m_ownDataHome.path() : dataHome)
 {
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("XDG_DATA_HOME"), m_dataHome);
+    environment.insert(u"XDG_DATA_HOME"_s, m_dataHome);
     m_process.setProcessEnvironment(environment);
     m_process.start(QStringLiteral(FB_SERVER_BINARY), arguments);
     m_started = m_process.waitForStarted(20000);
@@ -100,7 +102,8 @@ QByteArray ServerProcess::readLine(int timeoutMs)
             m_pending += m_process.readAllStandardOutput();
             break;
         }
-        m_process.waitForReadyRead(int(qMax<qint64>(1, qMin<qint64>(deadline.remainingTime(), 100))));
+        m_process.waitForReadyRead(
+            int(qMax<qint64>(1, qMin<qint64>(deadline.remainingTime(), 100))));
         m_pending += m_process.readAllStandardOutput();
     }
     const qsizetype end = m_pending.indexOf('\n');
@@ -124,21 +127,20 @@ QJsonObject ServerProcess::request(const QJsonObject &message)
 
 QJsonObject ServerProcess::callTool(const QString &name, const QJsonObject &arguments)
 {
-    const QJsonObject message{
-        {QStringLiteral("jsonrpc"), QStringLiteral("2.0")},
-        {QStringLiteral("id"), m_nextId++},
-        {QStringLiteral("method"), QStringLiteral("tools/call")},
-        {QStringLiteral("params"),
-         QJsonObject{{QStringLiteral("name"), name}, {QStringLiteral("arguments"), arguments}}}};
-    return request(message).value(QStringLiteral("result")).toObject();
+    const QJsonObject message{{u"jsonrpc"_s, u"2.0"_s},
+                              {u"id"_s, m_nextId++},
+                              {u"method"_s, u"tools/call"_s},
+                              {u"params"_s,
+                               QJsonObject{{u"name"_s, name}, {u"arguments"_s, arguments}}}};
+    return request(message).value(u"result"_s).toObject();
 }
 
 ServerProcess::ToolAnswer ServerProcess::call(const QString &name, const QJsonObject &arguments)
 {
     const QJsonObject result = callTool(name, arguments);
-    const QJsonArray content = result.value(QStringLiteral("content")).toArray();
-    return {content.first().toObject().value(QStringLiteral("text")).toString(),
-            result.value(QStringLiteral("isError")).toBool()};
+    const QJsonArray content = result.value(u"content"_s).toArray();
+    return {content.first().toObject().value(u"text"_s).toString(),
+            result.value(u"isError"_s).toBool()};
 }
 
 int ServerProcess::finish(int timeoutMs)

@@ -1,13 +1,17 @@
 #include "support/toolfixture.h"
 
+#include "tools/common/toolcontext.h"
 #include "tools/registration.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::test {
 
-ToolFixture::ToolFixture(const QString &project) : m_scratch(project)
+ToolFixture::ToolFixture(const QString &project)
+    : m_scratch(project)
 {
     auto opened = app::Workspace::openFolder(m_scratch.path());
     if (!opened) {
@@ -16,39 +20,27 @@ ToolFixture::ToolFixture(const QString &project) : m_scratch(project)
         return;
     }
     m_workspace = std::move(opened).value();
-    m_server = std::make_unique<app::McpServer>(QStringLiteral("fablery"), QStringLiteral("0.1.2"),
-                                                QString());
-    app::registerMcpCoreTools(*m_server, *m_workspace, m_log);
-    app::registerMcpWorldTools(*m_server, *m_workspace, m_log);
-    app::registerMcpDocumentTools(*m_server, *m_workspace, m_log);
-    app::registerTimelineTools(*m_server, *m_workspace, m_log);
-    app::registerCalendarTools(*m_server, *m_workspace, m_log);
-    app::registerSpreadsheetTools(*m_server, *m_workspace, m_log);
-    app::registerMapMediaTools(*m_server, *m_workspace, m_log);
-    app::registerSourceTools(*m_server, *m_workspace, m_log);
-    app::registerPlanningTools(*m_server, *m_workspace, m_log);
-    app::registerLanguageTools(*m_server, *m_workspace, m_log);
-    app::registerTtrpgTools(*m_server, *m_workspace, m_log);
-    app::registerExportImportTools(*m_server, *m_workspace, m_log);
+    m_server = std::make_unique<app::McpServer>(u"fablery"_s, u"0.1.2"_s, QString());
+    m_context = std::make_unique<app::ToolContext>(*m_workspace, m_log, [] { return fixedTime(); });
+    app::registerAllTools(*m_server, *m_context);
 }
 
 ToolReply ToolFixture::call(const QString &tool, const QJsonObject &arguments)
 {
-    const QJsonObject request{
-        {QStringLiteral("id"), 1},
-        {QStringLiteral("method"), QStringLiteral("tools/call")},
-        {QStringLiteral("params"), QJsonObject{{QStringLiteral("name"), tool},
-                                               {QStringLiteral("arguments"), arguments}}}};
+    const QJsonObject request{{u"id"_s, 1},
+                              {u"method"_s, u"tools/call"_s},
+                              {u"params"_s,
+                               QJsonObject{{u"name"_s, tool}, {u"arguments"_s, arguments}}}};
     const auto line = m_server->handleLine(
         QString::fromUtf8(QJsonDocument(request).toJson(QJsonDocument::Compact)));
     const QJsonObject answer = QJsonDocument::fromJson(line.value_or(QString()).toUtf8()).object();
-    if (answer.contains(QStringLiteral("error"))) {
+    if (answer.contains(u"error"_s)) {
         ADD_FAILURE() << "protocol error: " << line.value_or(QString()).toStdString();
         return {};
     }
-    const QJsonObject result = answer.value(QStringLiteral("result")).toObject();
-    return {!result.value(QStringLiteral("isError")).toBool(),
-            result.value(QStringLiteral("content")).toArray().first().toObject().value(QStringLiteral("text")).toString()};
+    const QJsonObject result = answer.value(u"result"_s).toObject();
+    return {!result.value(u"isError"_s).toBool(),
+            result.value(u"content"_s).toArray().first().toObject().value(u"text"_s).toString()};
 }
 
 QString ToolFixture::ok(const QString &tool, const QJsonObject &arguments)

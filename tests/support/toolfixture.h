@@ -1,20 +1,28 @@
 #pragma once
 
+#include "server/mcpserver.h"
+#include "storage/workspace.h"
 #include "support/printers.h"
 #include "support/serverprocess.h"
+#include "tools/common/mcpchangelog.h"
+#include "tools/common/toolcontext.h"
 
-#include "server/mcpserver.h"
-#include "storage/mcpchangelog.h"
-#include "storage/workspace.h"
-
+#include <QDateTime>
 #include <QJsonObject>
 #include <QMap>
+#include <QTimeZone>
 
 #include <gtest/gtest.h>
 
 #include <memory>
 
 namespace fb::test {
+
+// The time every tool call in the fixture sees: tests need no clock of their own.
+inline QDateTime fixedTime()
+{
+    return QDateTime(QDate(2025, 3, 14), QTime(9, 26, 53, 589), QTimeZone::utc());
+}
 
 // The answer of one tool call, as the agent sees it.
 struct ToolReply
@@ -43,6 +51,7 @@ protected:
     ScratchProject m_scratch;
     std::unique_ptr<app::Workspace> m_workspace;
     app::McpChangeLog m_log;
+    std::unique_ptr<app::ToolContext> m_context;
     std::unique_ptr<app::McpServer> m_server;
 };
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 AddCanvasConnectionCommand::AddCanvasConnectionCommand(Project &project, const QUuid &canvasId,
@@ -20,8 +22,7 @@ void AddCanvasConnectionCommand::set(Canvas &canvas, const QList<CanvasConnectio
     canvas.setConnections(connections);
 }
 
-QList<CanvasConnection>
-AddCanvasConnectionCommand::edited(QList<CanvasConnection> connections) const
+QList<CanvasConnection> AddCanvasConnectionCommand::edited(QList<CanvasConnection> connections) const
 {
     connections.append(m_connection);
     return connections;
@@ -29,7 +30,7 @@ AddCanvasConnectionCommand::edited(QList<CanvasConnection> connections) const
 
 QString AddCanvasConnectionCommand::label() const
 {
-    return QStringLiteral("Connect cards");
+    return u"Connect cards"_s;
 }
 
 RemoveCanvasCardCommand::RemoveCanvasCardCommand(Project &project, const QUuid &canvasId,
@@ -60,7 +61,7 @@ CanvasBoard RemoveCanvasCardCommand::edited(CanvasBoard board) const
 
 QString RemoveCanvasCardCommand::label() const
 {
-    return QStringLiteral("Remove card");
+    return u"Remove card"_s;
 }
 
 SetCanvasCardCommand::SetCanvasCardCommand(Project &project, const QUuid &canvasId,
@@ -92,7 +93,7 @@ void SetCanvasCardCommand::set(Canvas &canvas, const std::optional<CanvasCard> &
 
 QString SetCanvasCardCommand::label() const
 {
-    return QStringLiteral("Move card");
+    return u"Move card"_s;
 }
 
 } // namespace fb::core

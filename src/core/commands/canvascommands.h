@@ -22,8 +22,7 @@ struct CanvasBoard
 class AddCanvasConnectionCommand final : public LookupEditCommand<Canvas, QList<CanvasConnection>>
 {
 public:
-    AddCanvasConnectionCommand(Project &project, const QUuid &canvasId,
-                               CanvasConnection connection);
+    AddCanvasConnectionCommand(Project &project, const QUuid &canvasId, CanvasConnection connection);
     QString label() const override;
 
 private:

@@ -6,6 +6,8 @@
 
 #include <algorithm>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 AddCategoryCommand::AddCategoryCommand(Project &project, std::unique_ptr<Category> category)
@@ -30,7 +32,7 @@ void AddCategoryCommand::undo()
 
 QString AddCategoryCommand::label() const
 {
-    return QStringLiteral("Add category");
+    return u"Add category"_s;
 }
 
 RemoveCategoryCommand::RemoveCategoryCommand(Project &project, const QUuid &id)
@@ -80,7 +82,7 @@ void RemoveCategoryCommand::undo()
 
 QString RemoveCategoryCommand::label() const
 {
-    return QStringLiteral("Remove category");
+    return u"Remove category"_s;
 }
 
 RenameCategoryCommand::RenameCategoryCommand(Project &project, const QUuid &id, const QString &name)
@@ -103,7 +105,7 @@ void RenameCategoryCommand::write(const std::optional<QString> &name)
 
 QString RenameCategoryCommand::label() const
 {
-    return QStringLiteral("Rename category");
+    return u"Rename category"_s;
 }
 
 ReparentCategoryCommand::ReparentCategoryCommand(Project &project, const QUuid &id,
@@ -117,13 +119,13 @@ Result<void> ReparentCategoryCommand::check(const CategoryTree &tree, const QUui
                                             const QUuid &newParent)
 {
     if (!tree.contains(id))
-        return makeError(QStringLiteral("Cannot reparent an unknown category."));
+        return makeError(u"Cannot reparent an unknown category."_s);
     if (newParent.isNull())
         return {};
     if (!tree.contains(newParent))
-        return makeError(QStringLiteral("Cannot reparent under an unknown category."));
+        return makeError(u"Cannot reparent under an unknown category."_s);
     if (tree.isInSubtree(newParent, id))
-        return makeError(QStringLiteral("Reparenting there would create a cycle."));
+        return makeError(u"Reparenting there would create a cycle."_s);
     return {};
 }
 
@@ -147,7 +149,7 @@ void ReparentCategoryCommand::undo()
 
 QString ReparentCategoryCommand::label() const
 {
-    return QStringLiteral("Move category");
+    return u"Move category"_s;
 }
 
 FieldListCommand::FieldListCommand(Project &project, const QUuid &categoryId)
@@ -185,11 +187,10 @@ QList<FieldDefinition> AddFieldCommand::edited(QList<FieldDefinition> fields) co
 
 QString AddFieldCommand::label() const
 {
-    return QStringLiteral("Add field");
+    return u"Add field"_s;
 }
 
-RemoveFieldCommand::RemoveFieldCommand(Project &project, const QUuid &categoryId,
-                                       const QString &key)
+RemoveFieldCommand::RemoveFieldCommand(Project &project, const QUuid &categoryId, const QString &key)
     : FieldListCommand(project, categoryId)
     , m_key(key)
 {}
@@ -202,7 +203,7 @@ QList<FieldDefinition> RemoveFieldCommand::edited(QList<FieldDefinition> fields)
 
 QString RemoveFieldCommand::label() const
 {
-    return QStringLiteral("Remove field");
+    return u"Remove field"_s;
 }
 
 MoveFieldCommand::MoveFieldCommand(Project &project, const QUuid &categoryId, const QString &key,
@@ -214,9 +215,10 @@ MoveFieldCommand::MoveFieldCommand(Project &project, const QUuid &categoryId, co
 
 QList<FieldDefinition> MoveFieldCommand::edited(QList<FieldDefinition> fields) const
 {
-    const auto from =
-        std::find_if(fields.cbegin(), fields.cend(),
-                     [this](const FieldDefinition &field) { return field.key == m_key; });
+    const auto from = std::find_if(fields.cbegin(), fields.cend(),
+                                   [this](const FieldDefinition &field) {
+                                       return field.key == m_key;
+                                   });
     if (from == fields.cend())
         return fields;
     const qsizetype to = std::clamp<qsizetype>(m_position, 0, fields.size() - 1);
@@ -226,7 +228,7 @@ QList<FieldDefinition> MoveFieldCommand::edited(QList<FieldDefinition> fields) c
 
 QString MoveFieldCommand::label() const
 {
-    return QStringLiteral("Move field");
+    return u"Move field"_s;
 }
 
 } // namespace fb::core

@@ -4,7 +4,9 @@ namespace fb::core {
 
 Command::~Command() = default;
 
-CompositeCommand::CompositeCommand(QString label) : m_label(std::move(label)) {}
+CompositeCommand::CompositeCommand(QString label)
+    : m_label(std::move(label))
+{}
 
 CompositeCommand::~CompositeCommand()
 {

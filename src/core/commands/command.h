@@ -54,7 +54,9 @@ public:
     void undo() final { write(m_previous); }
 
 protected:
-    explicit ValueSwapCommand(Value next) : m_next(std::move(next)) {}
+    explicit ValueSwapCommand(Value next)
+        : m_next(std::move(next))
+    {}
 
     const Value &nextValue() const { return m_next; }
     virtual Value read() const = 0;

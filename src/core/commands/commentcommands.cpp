@@ -1,5 +1,7 @@
 #include "core/commands/commentcommands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 CommentRecord SetCommentCommand::get(const Comment &comment) const
@@ -16,12 +18,12 @@ void SetCommentCommand::set(Comment &comment, const CommentRecord &record)
 
 QString SetCommentCommand::label() const
 {
-    return QStringLiteral("Edit comment");
+    return u"Edit comment"_s;
 }
 
 QString SetCommentTargetCommand::label() const
 {
-    return QStringLiteral("Move comment");
+    return u"Move comment"_s;
 }
 
 } // namespace fb::core

@@ -3,8 +3,8 @@
 // The commands that change a review comment. They hold the project and the comment's id; a step
 // whose comment is gone does nothing.
 
-#include "core/comment.h"
 #include "core/commands/valuecommands.h"
+#include "core/comment.h"
 
 namespace fb::core {
 

@@ -1,5 +1,7 @@
 #include "core/commands/documentcommands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 DocumentDrafts documentDrafts(const Document &document)
@@ -16,57 +18,57 @@ void setDocumentDrafts(Document &document, const DocumentDrafts &drafts)
 
 QString SetDocumentBodyCommand::label() const
 {
-    return QStringLiteral("Edit document body");
+    return u"Edit document body"_s;
 }
 
 QString SetDocumentFootnotesCommand::label() const
 {
-    return QStringLiteral("Edit footnotes");
+    return u"Edit footnotes"_s;
 }
 
 QString SetDocumentKindCommand::label() const
 {
-    return QStringLiteral("Change document kind");
+    return u"Change document kind"_s;
 }
 
 QString SetDocumentPointOfViewCommand::label() const
 {
-    return QStringLiteral("Edit point of view");
+    return u"Edit point of view"_s;
 }
 
 QString SetDocumentStatusCommand::label() const
 {
-    return QStringLiteral("Edit status");
+    return u"Edit status"_s;
 }
 
 QString SetDocumentSynopsisCommand::label() const
 {
-    return QStringLiteral("Edit synopsis");
+    return u"Edit synopsis"_s;
 }
 
 QString SetDocumentTargetCommand::label() const
 {
-    return QStringLiteral("Set word-count target");
+    return u"Set word-count target"_s;
 }
 
 QString SetDocumentTitleCommand::label() const
 {
-    return QStringLiteral("Rename document");
+    return u"Rename document"_s;
 }
 
 QString SetDocumentVariantsCommand::label() const
 {
-    return QStringLiteral("Edit document variants");
+    return u"Edit document variants"_s;
 }
 
 QString SetDocumentVersionsCommand::label() const
 {
-    return QStringLiteral("Edit version history");
+    return u"Edit version history"_s;
 }
 
 QString SetDocumentPlotThreadsCommand::label() const
 {
-    return QStringLiteral("Tag scene plot threads");
+    return u"Tag scene plot threads"_s;
 }
 
 } // namespace fb::core

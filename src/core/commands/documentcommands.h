@@ -100,8 +100,7 @@ public:
 };
 
 class SetDocumentVersionsCommand final
-    : public DocumentSwapCommand<QList<DocumentVersion>, &Document::versions,
-                                 &Document::setVersions>
+    : public DocumentSwapCommand<QList<DocumentVersion>, &Document::versions, &Document::setVersions>
 {
 public:
     using MemberSwapCommand::MemberSwapCommand;
@@ -110,8 +109,7 @@ public:
 
 // The ids of the project plot threads the scene is tagged with.
 class SetDocumentPlotThreadsCommand final
-    : public DocumentSwapCommand<QList<QUuid>, &Document::plotThreadIds,
-                                 &Document::setPlotThreadIds>
+    : public DocumentSwapCommand<QList<QUuid>, &Document::plotThreadIds, &Document::setPlotThreadIds>
 {
 public:
     using MemberSwapCommand::MemberSwapCommand;

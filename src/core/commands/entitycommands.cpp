@@ -1,5 +1,7 @@
 #include "core/commands/entitycommands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 namespace {
@@ -35,22 +37,22 @@ void SetFieldValueCommand::set(Entity &entity, const std::optional<QString> &val
 
 QString SetFieldValueCommand::label() const
 {
-    return QStringLiteral("Set field value");
+    return u"Set field value"_s;
 }
 
 QString SetEntityNameCommand::label() const
 {
-    return QStringLiteral("Rename entity");
+    return u"Rename entity"_s;
 }
 
 QString SetEntityAliasesCommand::label() const
 {
-    return QStringLiteral("Set aliases");
+    return u"Set aliases"_s;
 }
 
 QString SetEntityCategoryCommand::label() const
 {
-    return QStringLiteral("Move entity to category");
+    return u"Move entity to category"_s;
 }
 
 EntityLifespan entityLifespan(const Entity &entity)
@@ -66,22 +68,22 @@ void setEntityLifespan(Entity &entity, const EntityLifespan &lifespan)
 
 QString SetEntityLifespanCommand::label() const
 {
-    return QStringLiteral("Edit lifespan");
+    return u"Edit lifespan"_s;
 }
 
 QString SetEntityTimedValuesCommand::label() const
 {
-    return QStringLiteral("Set state over time");
+    return u"Set state over time"_s;
 }
 
 QString SetEntityGalleryCommand::label() const
 {
-    return QStringLiteral("Set entity gallery");
+    return u"Set entity gallery"_s;
 }
 
 QString SetEntityTemplatesCommand::label() const
 {
-    return QStringLiteral("Update entity templates");
+    return u"Update entity templates"_s;
 }
 
 } // namespace fb::core

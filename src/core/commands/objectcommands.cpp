@@ -2,16 +2,18 @@
 
 #include "core/project.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 QString SetObjectTagsCommand::label() const
 {
-    return QStringLiteral("Set tags");
+    return u"Set tags"_s;
 }
 
 QString SetObjectVisibilityCommand::label() const
 {
-    return QStringLiteral("Set visibility");
+    return u"Set visibility"_s;
 }
 
 SetAudiencesCommand::SetAudiencesCommand(Project &project, const QUuid &objectId,
@@ -59,12 +61,12 @@ void SetAudiencesCommand::undo()
 
 QString SetAudiencesCommand::label() const
 {
-    return QStringLiteral("Edit audiences");
+    return u"Edit audiences"_s;
 }
 
 QString SetAiExclusionCommand::label() const
 {
-    return QStringLiteral("Set AI exclusion");
+    return u"Set AI exclusion"_s;
 }
 
 SetPinnedCommand::SetPinnedCommand(Project &project, const QUuid &objectId, bool pinned)
@@ -96,7 +98,7 @@ void SetPinnedCommand::write(const QList<QUuid> &pinned)
 
 QString SetPinnedCommand::label() const
 {
-    return m_pinned ? QStringLiteral("Pin") : QStringLiteral("Unpin");
+    return m_pinned ? u"Pin"_s : u"Unpin"_s;
 }
 
 } // namespace fb::core

@@ -1,30 +1,32 @@
 #include "core/commands/projectcommands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 QString SetPlotThreadsCommand::label() const
 {
-    return QStringLiteral("Edit plot threads");
+    return u"Edit plot threads"_s;
 }
 
 QString SetBeatSheetCommand::label() const
 {
-    return QStringLiteral("Edit beat sheet");
+    return u"Edit beat sheet"_s;
 }
 
 QString SetCalendarCommand::label() const
 {
-    return QStringLiteral("Set calendar");
+    return u"Set calendar"_s;
 }
 
 QString SetContinuityRulesCommand::label() const
 {
-    return QStringLiteral("Set continuity rules");
+    return u"Set continuity rules"_s;
 }
 
 QString SetTimelineErasCommand::label() const
 {
-    return QStringLiteral("Set timeline eras");
+    return u"Set timeline eras"_s;
 }
 
 } // namespace fb::core

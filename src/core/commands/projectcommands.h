@@ -47,8 +47,7 @@ public:
 
 // The named bands of story time that every timeline shows.
 class SetTimelineErasCommand final
-    : public ProjectSwapCommand<QList<TimelineEra>, &Project::timelineEras,
-                                &Project::setTimelineEras>
+    : public ProjectSwapCommand<QList<TimelineEra>, &Project::timelineEras, &Project::setTimelineEras>
 {
 public:
     using MemberSwapCommand::MemberSwapCommand;

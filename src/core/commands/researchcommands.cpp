@@ -1,25 +1,27 @@
 #include "core/commands/researchcommands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 QString SetLanguageCommand::label() const
 {
-    return QStringLiteral("Edit language");
+    return u"Edit language"_s;
 }
 
 QString SetRandomTableCommand::label() const
 {
-    return QStringLiteral("Edit random table");
+    return u"Edit random table"_s;
 }
 
 QString SetSourceCommand::label() const
 {
-    return QStringLiteral("Edit source");
+    return u"Edit source"_s;
 }
 
 QString SetStatBlockCommand::label() const
 {
-    return QStringLiteral("Edit stat block");
+    return u"Edit stat block"_s;
 }
 
 } // namespace fb::core

@@ -14,8 +14,7 @@
 namespace fb::core {
 
 class SetLanguageCommand final
-    : public LookupMemberSwapCommand<Language, LanguageRecord, &Language::record,
-                                     &Language::setRecord>
+    : public LookupMemberSwapCommand<Language, LanguageRecord, &Language::record, &Language::setRecord>
 {
 public:
     using LookupMemberSwapCommand::LookupMemberSwapCommand;

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <vector>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 AddObjectCommand::AddObjectCommand(Project &project, std::unique_ptr<ContentObject> object)
@@ -33,7 +35,7 @@ void AddObjectCommand::undo()
 
 QString AddObjectCommand::label() const
 {
-    return QStringLiteral("Add object");
+    return u"Add object"_s;
 }
 
 RemoveObjectCommand::RemoveObjectCommand(Project &project, const QUuid &id)
@@ -57,7 +59,7 @@ void RemoveObjectCommand::undo()
 
 QString RemoveObjectCommand::label() const
 {
-    return QStringLiteral("Remove object");
+    return u"Remove object"_s;
 }
 
 MoveDocumentCommand::MoveDocumentCommand(Project &project, const QUuid &document,
@@ -86,8 +88,8 @@ void MoveDocumentCommand::redo()
     std::vector<Document *> oldSiblings = m_project.childrenOf(oldParent);
     std::erase(oldSiblings, document);
     const bool sameParent = oldParent == m_newParent;
-    std::vector<Document *> newSiblings =
-        sameParent ? oldSiblings : m_project.childrenOf(m_newParent);
+    std::vector<Document *> newSiblings = sameParent ? oldSiblings
+                                                     : m_project.childrenOf(m_newParent);
     const auto position = std::clamp<qsizetype>(m_position, 0, qsizetype(newSiblings.size()));
     newSiblings.insert(newSiblings.begin() + position, document);
 
@@ -128,7 +130,7 @@ void MoveDocumentCommand::undo()
 
 QString MoveDocumentCommand::label() const
 {
-    return QStringLiteral("Move document");
+    return u"Move document"_s;
 }
 
 } // namespace fb::core

@@ -1,50 +1,52 @@
 #include "core/commands/taskcommands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 QString SetTaskTitleCommand::label() const
 {
-    return QStringLiteral("Rename task");
+    return u"Rename task"_s;
 }
 
 QString SetTaskDescriptionCommand::label() const
 {
-    return QStringLiteral("Edit task details");
+    return u"Edit task details"_s;
 }
 
 QString SetTaskDoneCommand::label() const
 {
-    return nextValue() ? QStringLiteral("Complete task") : QStringLiteral("Reopen task");
+    return nextValue() ? u"Complete task"_s : u"Reopen task"_s;
 }
 
 QString SetTaskDueDateCommand::label() const
 {
-    return QStringLiteral("Change task due date");
+    return u"Change task due date"_s;
 }
 
 QString SetTaskPriorityCommand::label() const
 {
-    return QStringLiteral("Change task priority");
+    return u"Change task priority"_s;
 }
 
 QString SetTaskStatusCommand::label() const
 {
-    return QStringLiteral("Change task status");
+    return u"Change task status"_s;
 }
 
 QString SetTaskBoardCommand::label() const
 {
-    return QStringLiteral("Move task to board");
+    return u"Move task to board"_s;
 }
 
 QString SetTaskSubmissionCommand::label() const
 {
-    return QStringLiteral("Change submission details");
+    return u"Change submission details"_s;
 }
 
 QString SetTaskTargetCommand::label() const
 {
-    return QStringLiteral("Link task");
+    return u"Link task"_s;
 }
 
 } // namespace fb::core

@@ -4,7 +4,9 @@
 
 namespace fb::core {
 
-UndoHistory::UndoHistory(std::size_t capacity) : m_capacity(capacity < 1 ? 1 : capacity) {}
+UndoHistory::UndoHistory(std::size_t capacity)
+    : m_capacity(capacity < 1 ? 1 : capacity)
+{}
 
 UndoHistory::~UndoHistory()
 {

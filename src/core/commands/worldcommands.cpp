@@ -1,35 +1,37 @@
 #include "core/commands/worldcommands.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::core {
 
 QString SetChartCommand::label() const
 {
-    return QStringLiteral("Edit chart");
+    return u"Edit chart"_s;
 }
 
 QString SetMapPinsCommand::label() const
 {
-    return QStringLiteral("Edit map pins");
+    return u"Edit map pins"_s;
 }
 
 QString SetMapRegionsCommand::label() const
 {
-    return QStringLiteral("Edit map regions");
+    return u"Edit map regions"_s;
 }
 
 QString SetMapRoutesCommand::label() const
 {
-    return QStringLiteral("Edit map routes");
+    return u"Edit map routes"_s;
 }
 
 QString SetMapTokensCommand::label() const
 {
-    return QStringLiteral("Edit map tokens");
+    return u"Edit map tokens"_s;
 }
 
 QString SetMediaCaptionCommand::label() const
 {
-    return QStringLiteral("Edit caption");
+    return u"Edit caption"_s;
 }
 
 SetSpreadsheetCellCommand::SetSpreadsheetCellCommand(Project &project, const QUuid &sheetId,
@@ -50,12 +52,12 @@ void SetSpreadsheetCellCommand::set(Spreadsheet &sheet, const QString &text)
 
 QString SetSpreadsheetCellCommand::label() const
 {
-    return QStringLiteral("Edit cell");
+    return u"Edit cell"_s;
 }
 
 QString SetTimelineEventCommand::label() const
 {
-    return QStringLiteral("Edit timeline event");
+    return u"Edit timeline event"_s;
 }
 
 } // namespace fb::core

@@ -23,21 +23,22 @@ constexpr int kMaxDistanceCodes = 30;
 constexpr int kEndOfBlock = 256;
 
 // Base values and extra bits of the length symbols 257 to 285 and the distance symbols 0 to 29.
-constexpr std::array<quint16, 29> kLengthBase
-    = {3,  4,  5,  6,  7,  8,  9,  10, 11,  13,  15,  17,  19,  23, 27,
-       31, 35, 43, 51, 59, 67, 83, 99, 115, 131, 163, 195, 227, 258};
-constexpr std::array<quint8, 29> kLengthExtra
-    = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3, 4, 4, 4, 4, 5, 5, 5, 5, 0};
-constexpr std::array<quint16, 30> kDistanceBase
-    = {1,   2,   3,   4,   5,   7,    9,    13,   17,   25,   33,   49,   65,    97,    129,
-       193, 257, 385, 513, 769, 1025, 1537, 2049, 3073, 4097, 6145, 8193, 12289, 16385, 24577};
-constexpr std::array<quint8, 30> kDistanceExtra
-    = {0, 0, 0, 0, 1, 1, 2, 2,  3,  3,  4,  4,  5,  5,  6,
-       6, 7, 7, 8, 8, 9, 9, 10, 10, 11, 11, 12, 12, 13, 13};
+constexpr std::array<quint16, 29> kLengthBase = {3,  4,  5,  6,   7,   8,   9,   10,  11, 13,
+                                                 15, 17, 19, 23,  27,  31,  35,  43,  51, 59,
+                                                 67, 83, 99, 115, 131, 163, 195, 227, 258};
+constexpr std::array<quint8, 29> kLengthExtra = {0, 0, 0, 0, 0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2,
+                                                 2, 3, 3, 3, 3, 4, 4, 4, 4, 5, 5, 5, 5, 0};
+constexpr std::array<quint16, 30> kDistanceBase = {1,    2,    3,    4,     5,     7,    9,    13,
+                                                   17,   25,   33,   49,    65,    97,   129,  193,
+                                                   257,  385,  513,  769,   1025,  1537, 2049, 3073,
+                                                   4097, 6145, 8193, 12289, 16385, 24577};
+constexpr std::array<quint8, 30> kDistanceExtra = {0, 0, 0,  0,  1,  1,  2,  2,  3,  3,
+                                                   4, 4, 5,  5,  6,  6,  7,  7,  8,  8,
+                                                   9, 9, 10, 10, 11, 11, 12, 12, 13, 13};
 
 // The order in which a dynamic block header lists the lengths of the code length code.
-constexpr std::array<quint8, 19> kCodeLengthOrder
-    = {16, 17, 18, 0, 8, 7, 9, 6, 10, 5, 11, 4, 12, 3, 13, 2, 14, 1, 15};
+constexpr std::array<quint8, 19> kCodeLengthOrder = {16, 17, 18, 0, 8,  7, 9,  6, 10, 5,
+                                                     11, 4,  12, 3, 13, 2, 14, 1, 15};
 
 // A canonical Huffman code. Codes of up to kFastBits bits decode with one look-up in `fast`;
 // longer ones are found by walking the code lengths, which common data rarely needs.
@@ -114,8 +115,7 @@ class BitReader
 public:
     explicit BitReader(InflateChannel &channel)
         : m_channel(channel)
-    {
-    }
+    {}
 
     bool isOverrun() const { return m_count < m_padding; }
 
@@ -246,8 +246,7 @@ public:
         , m_in(channel)
         , m_limits(limits)
         , m_buffer(new char[kCapacity])
-    {
-    }
+    {}
 
     InflateOutcome run();
 
@@ -452,8 +451,8 @@ Inflater::BlockEnd Inflater::huffmanBlock(const HuffmanCode &litLen, const Huffm
         const int distanceSymbol = decode(distance);
         if (distanceSymbol < 0 || distanceSymbol >= int(kDistanceBase.size()))
             return fail(u"The deflate stream holds an invalid distance code."_s);
-        const qsizetype dist
-            = kDistanceBase[distanceSymbol] + m_in.take(kDistanceExtra[distanceSymbol]);
+        const qsizetype dist = kDistanceBase[distanceSymbol]
+                               + m_in.take(kDistanceExtra[distanceSymbol]);
         if (m_in.isOverrun())
             return fail(u"The deflate stream ends inside a block."_s);
         if (dist > m_total)
@@ -520,8 +519,7 @@ class MemoryChannel final : public InflateChannel
 public:
     explicit MemoryChannel(QByteArrayView input)
         : m_input(input)
-    {
-    }
+    {}
 
     QByteArrayView nextInput() override { return std::exchange(m_input, {}); }
 

@@ -155,7 +155,7 @@ QString notEnoughSpace(quint64 neededBytes, quint64 freeBytes)
 {
     return u"The archive needs %1 MiB of disk space to unpack but only %2 MiB are free; free some "
            u"space and try again."_s.arg(mebibytes(neededBytes))
-        .arg(freeBytes / 1048576);
+               .arg(freeBytes / 1048576);
 }
 
 QString folderNotEmpty(const QString &path)

@@ -62,8 +62,8 @@ Result<DirectoryLocation> locateDirectory(ZipSource &archive)
     // replace the classic ones. Some writers add it even when the classic values would do.
     if (*end < kZip64LocatorSize)
         return location;
-    const std::optional<QByteArrayView> locator
-        = archive.read(*end - kZip64LocatorSize, kZip64LocatorSize);
+    const std::optional<QByteArrayView> locator = archive.read(*end - kZip64LocatorSize,
+                                                               kZip64LocatorSize);
     if (!locator)
         return makeError(zipmessage::unreadable());
     if (u32At(*locator, 0) != kZip64LocatorSignature)
@@ -123,8 +123,9 @@ Result<qint64> locateData(ZipSource &archive, const ZipDirectoryEntry &entry)
         return makeError(zipmessage::dataPastEnd(entry.name));
 
     if (!(flags & kFlagDataDescriptor)) {
-        const std::optional<QByteArrayView> extra
-            = archive.read(headerOffset + kLocalHeaderSize + nameLength, extraLength);
+        const std::optional<QByteArrayView> extra = archive.read(headerOffset + kLocalHeaderSize
+                                                                     + nameLength,
+                                                                 extraLength);
         if (!extra)
             return makeError(archive.hasReadError() ? zipmessage::unreadable()
                                                     : zipmessage::dataPastEnd(entry.name));
@@ -148,8 +149,7 @@ public:
         , m_next(start)
         , m_end(start + size)
         , m_sink(sink)
-    {
-    }
+    {}
 
     QByteArrayView nextInput() override
     {
@@ -185,8 +185,7 @@ private:
 };
 
 // Hands on stored data as it is, or decodes deflated data; the CRC-32 is left to the caller.
-Result<void> transferData(EntryChannel &channel, const ZipDirectoryEntry &entry,
-                          ZipSource &archive)
+Result<void> transferData(EntryChannel &channel, const ZipDirectoryEntry &entry, ZipSource &archive)
 {
     if (entry.method == kZipStored) {
         if (entry.compressedSize != entry.uncompressedSize) {
@@ -260,8 +259,8 @@ Result<QList<ZipDirectoryEntry>> readZipDirectory(ZipSource &archive)
         if (directory->size() - pos < recordSize)
             return makeError(zipmessage::headerPastEnd());
 
-        Result<ZipDirectoryEntry> entry
-            = parseCentralHeader(directory->sliced(pos, recordSize), nameLength, extraLength);
+        Result<ZipDirectoryEntry> entry = parseCentralHeader(directory->sliced(pos, recordSize),
+                                                             nameLength, extraLength);
         if (!entry)
             return makeError(entry.error());
         if (names.contains(entry->name))

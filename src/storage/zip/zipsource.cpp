@@ -13,14 +13,12 @@ constexpr qsizetype kKeptCapacity = 1048576;
 ZipSource::ZipSource(QByteArrayView bytes)
     : m_bytes(bytes)
     , m_size(bytes.size())
-{
-}
+{}
 
 ZipSource::ZipSource(QIODevice *device)
     : m_device(device)
     , m_size(device->size())
-{
-}
+{}
 
 std::optional<QByteArrayView> ZipSource::read(qint64 pos, qint64 length)
 {

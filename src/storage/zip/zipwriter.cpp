@@ -29,8 +29,7 @@ public:
 
     explicit ArchiveBuilder(Output output)
         : m_output(std::move(output))
-    {
-    }
+    {}
 
     bool beginEntry(const QString &name, quint32 crc, quint64 size)
     {
@@ -92,8 +91,7 @@ public:
     explicit Private(QIODevice *device)
         : m_device(device)
         , m_builder([this](QByteArrayView bytes) { return output(bytes); })
-    {
-    }
+    {}
 
     // Keeps the first failure; every later call reports it again.
     Result<void> fail(const QString &message)
@@ -146,8 +144,7 @@ Result<void> ZipStreamWriter::Private::copyFile(const QString &name, QFile &file
 
 ZipStreamWriter::ZipStreamWriter(QIODevice *device)
     : m_d(std::make_unique<Private>(device))
-{
-}
+{}
 
 ZipStreamWriter::~ZipStreamWriter() = default;
 
@@ -156,8 +153,7 @@ Result<void> ZipStreamWriter::addBytes(const QString &name, QByteArrayView data,
 {
     if (!m_d->m_error.isEmpty())
         return makeError(m_d->m_error);
-    const bool ok = m_d->m_builder.beginEntry(name, crc ? *crc : crc32(data),
-                                              quint64(data.size()))
+    const bool ok = m_d->m_builder.beginEntry(name, crc ? *crc : crc32(data), quint64(data.size()))
                     && m_d->m_builder.write(data);
     return m_d->written(ok);
 }

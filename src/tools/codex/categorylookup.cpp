@@ -6,6 +6,8 @@
 
 #include <memory>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 namespace {
@@ -42,8 +44,8 @@ QUuid findCategory(const core::CategoryTree &tree, const QString &name)
 core::FieldDefinition standardSummaryField()
 {
     core::FieldDefinition field;
-    field.key = QStringLiteral("summary");
-    field.label = QStringLiteral("Summary");
+    field.key = u"summary"_s;
+    field.label = u"Summary"_s;
     field.type = core::FieldType::Text;
     return field;
 }
@@ -58,8 +60,8 @@ QUuid ensureCategory(core::Project &project, core::CompositeCommand &change, con
 {
     if (const QUuid existing = findCategory(project.categories(), name); !existing.isNull())
         return existing;
-    const QUuid parent
-        = !parentId.isNull() && project.categories().contains(parentId) ? parentId : QUuid();
+    const QUuid parent = !parentId.isNull() && project.categories().contains(parentId) ? parentId
+                                                                                       : QUuid();
     auto category = std::make_unique<core::Category>(name.trimmed(), parent);
     const QUuid id = category->id();
     change.append(std::make_unique<core::AddCategoryCommand>(project, std::move(category)));
@@ -86,16 +88,16 @@ std::optional<core::CategoryTree::SchemaField> findSchemaField(
 QString schemaFieldLine(const core::CategoryTree::SchemaField &field)
 {
     const core::FieldDefinition &definition = field.definition;
-    QString line = QStringLiteral("  - %1 [%2] (%3)")
-                       .arg(definition.label, core::enumName(definition.type), definition.key);
+    QString line = u"  - %1 [%2] (%3)"_s.arg(definition.label, core::enumName(definition.type),
+                                             definition.key);
     if (definition.required)
-        line += QStringLiteral(", required");
+        line += u", required"_s;
     if (definition.type == core::FieldType::Choice && !definition.options.isEmpty())
-        line += QStringLiteral(" -- options: %1").arg(definition.options.join(u", "));
+        line += u" -- options: %1"_s.arg(definition.options.join(u", "));
     if (field.inherited)
-        line += QStringLiteral(" (inherited)");
+        line += u" (inherited)"_s;
     if (!definition.description.isEmpty())
-        line += QStringLiteral(" -- %1").arg(definition.description);
+        line += u" -- %1"_s.arg(definition.description);
     return line;
 }
 

@@ -1,22 +1,18 @@
-#include "tools/codex/codexfamily.h"
-
 #include "core/commands/categorycommands.h"
 #include "core/commands/command.h"
 #include "core/entity.h"
+#include "core/ids.h"
 #include "core/project.h"
-#include "server/mcpserver.h"
-#include "storage/applylogsave.h"
 #include "storage/workspace.h"
 #include "tools/codex/categorylookup.h"
-#include "tools/common/arguments.h"
-#include "tools/common/objectlookup.h"
+#include "tools/codex/codexfamily.h"
+#include "tools/common/change.h"
+#include "tools/common/toolcontext.h"
+#include "tools/common/visibility.h"
 
-#include <QJsonArray>
 #include <QStringList>
 
 #include <algorithm>
-#include <cmath>
-#include <limits>
 
 using namespace Qt::StringLiterals;
 
@@ -26,101 +22,20 @@ namespace {
 
 using SchemaField = core::CategoryTree::SchemaField;
 
-McpToolDescriptor getCategoryTool()
-{
-    return toolDescriptor(
-        u"get_category"_s,
-        u"Shows a category's parent, subcategories, entity count, and its full field schema (each "
-        "field's type, options, whether required, and own vs inherited) -- the read side of "
-        "add_field / remove_field / move_field."_s,
-        ToolSchema()
-            .string(u"category"_s, u"The category's name (case-insensitive)."_s)
-            .required());
-}
-
-McpToolDescriptor listCategoryTool()
-{
-    return toolDescriptor(
-        u"list_category"_s,
-        u"Lists the entities of a named codex category with one-line summaries."_s,
-        ToolSchema()
-            .string(u"category"_s, u"The category's name (case-insensitive)."_s)
-            .required());
-}
-
-McpToolDescriptor createCategoryTool()
-{
-    return toolDescriptor(
-        u"create_category"_s,
-        u"Creates a codex category (with a standard Summary field). Pass \"parent\" to nest it "
-        "under another category (the parent is created when absent). A category that already "
-        "exists is a valid no-op."_s,
-        ToolSchema()
-            .string(u"name"_s, u"The new category's name."_s)
-            .required()
-            .string(u"parent"_s,
-                    u"The category to nest it under; created at the top level when absent."_s));
-}
-
-McpToolDescriptor updateCategoryTool()
-{
-    return toolDescriptor(
-        u"update_category"_s, u"Renames, moves, or deletes a codex category."_s,
-        ToolSchema()
-            .string(u"category"_s, u"The category to change."_s)
-            .required()
-            .string(u"new_name"_s, u"Rename the category to this name."_s)
-            .string(u"parent"_s,
-                    u"Move it under this category (created when absent); an empty string makes "
-                    "it a top-level category."_s)
-            .boolean(u"delete"_s,
-                     u"true to delete the category; its subcategories and entities move up to "
-                     "its parent."_s));
-}
-
-McpToolDescriptor addFieldTool()
-{
-    return toolDescriptor(
-        u"add_field"_s,
-        u"Defines a typed field on a codex category's schema (or replaces the same-named field "
-        "already on it)."_s,
-        ToolSchema()
-            .string(u"category"_s, u"The category whose schema gets the field."_s)
-            .required()
-            .string(u"label"_s, u"The field's display label, e.g. \"Eye Color\"."_s)
-            .required()
-            .string(u"type"_s, u"text | number | boolean | date | reference | choice | url."_s)
-            .array(u"options"_s, u"The choices of a choice field."_s, u"string"_s)
-            .boolean(u"required"_s,
-                     u"Whether every entity should fill the field (default false)."_s)
-            .string(u"description"_s, u"A short explanation shown with the field."_s));
-}
-
-McpToolDescriptor removeFieldTool()
-{
-    return toolDescriptor(u"remove_field"_s,
-                          u"Removes a field from a codex category's own schema."_s,
-                          ToolSchema()
-                              .string(u"category"_s, u"The category that defines the field."_s)
-                              .required()
-                              .string(u"field"_s, u"The field's label or key."_s)
-                              .required());
-}
-
-McpToolDescriptor moveFieldTool()
-{
-    return toolDescriptor(
-        u"move_field"_s,
-        u"Reorders a field within a codex category's own schema, changing the order fields are "
-        "shown."_s,
-        ToolSchema()
-            .string(u"category"_s, u"The category that defines the field."_s)
-            .required()
-            .string(u"field"_s, u"The field's label or key."_s)
-            .required()
-            .integer(u"position"_s, u"The 0-based index to move it to."_s)
-            .required());
-}
+const QString categoryKey = u"category"_s;
+const QString nameKey = u"name"_s;
+const QString newNameKey = u"new_name"_s;
+const QString parentKey = u"parent"_s;
+const QString deleteKey = u"delete"_s;
+const QString labelKey = u"label"_s;
+const QString typeKey = u"type"_s;
+const QString optionsKey = u"options"_s;
+const QString requiredKey = u"required"_s;
+const QString descriptionKey = u"description"_s;
+const QString fieldKey = u"field"_s;
+const QString positionKey = u"position"_s;
+// Said when "position" is missing or not a whole number.
+const QString missingPosition = u"move_field needs \"position\" (a 0-based integer index)."_s;
 
 QString noCategoryMessage(const QString &name)
 {
@@ -139,25 +54,34 @@ QList<SchemaField> ownFields(const QList<SchemaField> &schema)
     return own;
 }
 
-// Entities the agent may see; AI-excluded ones are left out of counts and listings alike.
-std::vector<const core::Entity *> visibleEntitiesIn(const core::Project &project,
-                                                    const QUuid &categoryId)
+// Entities the agent may see; withheld ones are left out of counts and listings alike.
+std::vector<const core::Entity *> visibleEntitiesIn(ToolContext &context, const QUuid &categoryId)
 {
+    const Visibility &visibility = context.visibility();
     std::vector<const core::Entity *> entities;
-    for (const core::Entity *entity : project.objectsOfType<core::Entity>()) {
-        if (entity->categoryId() == categoryId && !entity->isAiExcluded())
+    for (const core::Entity *entity : context.workspace().project().objectsOfType<core::Entity>()) {
+        if (entity->categoryId() == categoryId && visibility.isVisible(*entity))
             entities.push_back(entity);
     }
     return entities;
 }
 
-McpToolResult getCategory(Workspace &workspace, const QJsonObject &arguments)
+// Checks that every name a call would store is one line; the first that is not is refused.
+Result<void> checkNames(std::initializer_list<std::pair<QString, QString>> names)
 {
-    const QString name = trimmedArgument(arguments, u"category"_s);
+    for (const auto &[argument, value] : names) {
+        if (const Result<void> line = checkSingleLine(argument, value); !line)
+            return line;
+    }
+    return {};
+}
+
+McpToolResult getCategory(ToolContext &context, const ToolArguments &arguments)
+{
+    const QString name = arguments.trimmed(categoryKey);
     if (name.isEmpty())
         return McpToolResult::failure(u"get_category needs \"category\" (its name)."_s);
-    const core::Project &project = workspace.project();
-    const core::CategoryTree &tree = project.categories();
+    const core::CategoryTree &tree = context.workspace().project().categories();
     const core::Category *category = tree.category(findCategory(tree, name));
     if (!category)
         return McpToolResult::failure(u"No category named '%1' exists."_s.arg(name));
@@ -173,7 +97,7 @@ McpToolResult getCategory(Workspace &workspace, const QJsonObject &arguments)
         u"- Parent: %1"_s.arg(parent ? parent->name() : u"(none, top level)"_s),
         u"- Subcategories: %1"_s.arg(subcategories.isEmpty() ? u"(none)"_s
                                                              : subcategories.join(u", "_s)),
-        u"- Entities: %1"_s.arg(QString::number(visibleEntitiesIn(project, category->id()).size())),
+        u"- Entities: %1"_s.arg(QString::number(visibleEntitiesIn(context, category->id()).size())),
         u"- Fields (%1):"_s.arg(QString::number(schema.size())),
     };
     for (const SchemaField &field : schema)
@@ -181,25 +105,27 @@ McpToolResult getCategory(Workspace &workspace, const QJsonObject &arguments)
     return McpToolResult::success(lines.join(u'\n'));
 }
 
-McpToolResult listCategory(Workspace &workspace, const QJsonObject &arguments)
+McpToolResult listCategory(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString name = trimmedArgument(arguments, u"category"_s);
+    const QString name = arguments.trimmed(categoryKey);
     if (name.isEmpty())
         return McpToolResult::failure(u"list_category needs \"category\"."_s);
-    const core::Project &project = workspace.project();
-    const std::vector<const core::Category *> matches = findCategories(project.categories(), name);
+    const std::vector<const core::Category *> matches
+        = findCategories(context.workspace().project().categories(), name);
     if (matches.size() > 1) {
         QStringList ids;
         for (const core::Category *category : matches)
             ids.append(core::idText(category->id()));
-        return McpToolResult::failure(u"The name '%1' matches %2 categories (ids: %3)."_s.arg(
-            name, QString::number(matches.size()), ids.join(u", "_s)));
+        return McpToolResult::failure(
+            u"The name '%1' matches %2 categories (ids: %3)."_s.arg(name,
+                                                                    QString::number(matches.size()),
+                                                                    ids.join(u", "_s)));
     }
     if (matches.empty())
         return McpToolResult::failure(u"No category named '%1' exists."_s.arg(name));
 
     const core::Category &category = *matches.front();
-    std::vector<const core::Entity *> entities = visibleEntitiesIn(project, category.id());
+    std::vector<const core::Entity *> entities = visibleEntitiesIn(context, category.id());
     if (entities.empty())
         return McpToolResult::success(u"No entities in '%1' yet."_s.arg(category.name()));
     // Alphabetical, as a codex is read; the id keeps equal names in a stable order.
@@ -218,23 +144,25 @@ McpToolResult listCategory(Workspace &workspace, const QJsonObject &arguments)
     return McpToolResult::success(lines.join(u'\n'));
 }
 
-McpToolResult createCategory(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult createCategory(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString name = trimmedArgument(arguments, u"name"_s);
+    const QString name = arguments.trimmed(nameKey);
+    const QString parent = arguments.trimmed(parentKey);
     if (name.isEmpty())
         return McpToolResult::failure(u"create_category needs a non-empty \"name\"."_s);
-    core::Project &project = workspace.project();
-    if (const core::Category *existing
-        = project.categories().category(findCategory(project.categories(), name))) {
+    if (const Result<void> names = checkNames({{nameKey, name}, {parentKey, parent}}); !names)
+        return McpToolResult::failure(names.error());
+
+    core::Project &project = context.workspace().project();
+    if (const core::Category *existing = project.categories().category(
+            findCategory(project.categories(), name))) {
         return McpToolResult::success(u"Category '%1' already exists."_s.arg(existing->name()));
     }
 
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: create category"_s);
-    const QString parent = trimmedArgument(arguments, u"parent"_s);
     if (parent.isEmpty()) {
         ensureCategory(project, *change, name, QUuid());
-        return applyChange(workspace, log, std::move(change),
-                           u"Created category '%1'."_s.arg(name));
+        return applyChange(context, std::move(change), u"Created category '%1'."_s.arg(name));
     }
     const QUuid parentId = ensureCategory(project, *change, parent, QUuid());
     if (project.categories().contains(parentId)) {
@@ -245,18 +173,21 @@ McpToolResult createCategory(Workspace &workspace, McpChangeLog &log, const QJso
         const QUuid id = ensureCategory(project, *change, name, QUuid());
         change->append(std::make_unique<core::ReparentCategoryCommand>(project, id, parentId));
     }
-    return applyChange(workspace, log, std::move(change),
+    return applyChange(context, std::move(change),
                        u"Created category '%1' under '%2'."_s.arg(name, parent));
 }
 
-McpToolResult updateCategory(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult updateCategory(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString name = trimmedArgument(arguments, u"category"_s);
+    const QString name = arguments.trimmed(categoryKey);
+    const QString newName = arguments.trimmed(newNameKey);
+    const bool moves = arguments.has(parentKey);
+    const QString parentName = arguments.trimmed(parentKey);
     if (name.isEmpty()) {
         return McpToolResult::failure(
             u"update_category needs \"category\" (the category to change)."_s);
     }
-    core::Project &project = workspace.project();
+    core::Project &project = context.workspace().project();
     const core::CategoryTree &tree = project.categories();
     const core::Category *category = tree.category(findCategory(tree, name));
     if (!category)
@@ -264,23 +195,25 @@ McpToolResult updateCategory(Workspace &workspace, McpChangeLog &log, const QJso
     const QUuid id = category->id();
     const QString oldName = category->name();
 
-    if (boolArgument(arguments, u"delete"_s)) {
+    // Deletion ends the tool: a new name or parent given beside it is not looked at.
+    if (arguments.boolean(deleteKey)) {
         auto change = std::make_unique<core::CompositeCommand>(u"MCP: update category"_s);
         change->append(std::make_unique<core::RemoveCategoryCommand>(project, id));
-        return applyChange(workspace, log, std::move(change),
+        return applyChange(context, std::move(change),
                            u"Deleted category '%1'; its subcategories and entities moved up to its "
                            "parent."_s.arg(oldName));
     }
 
-    const QString newName = trimmedArgument(arguments, u"new_name"_s);
-    const bool moves = hasArgument(arguments, u"parent"_s);
     if (newName.isEmpty() && !moves) {
         return McpToolResult::failure(
             u"update_category needs one of: \"new_name\", \"parent\", or \"delete\": true."_s);
     }
     // The whole request is checked before anything is built: a refused move must not let a
     // valid rename through.
-    const QString parentName = trimmedArgument(arguments, u"parent"_s);
+    if (const Result<void> names = checkNames({{newNameKey, newName}, {parentKey, parentName}});
+        !names) {
+        return McpToolResult::failure(names.error());
+    }
     const QUuid existingParent = parentName.isEmpty() ? QUuid() : findCategory(tree, parentName);
     if (!existingParent.isNull() && tree.isInSubtree(existingParent, id)) {
         return McpToolResult::failure(
@@ -310,38 +243,51 @@ McpToolResult updateCategory(Workspace &workspace, McpChangeLog &log, const QJso
         return McpToolResult::success(
             u"Category '%1' already has that name and parent; nothing changed."_s.arg(oldName));
     }
-    return applyChange(workspace, log, std::move(change),
+    return applyChange(context, std::move(change),
                        u"Updated category '%1': %2."_s.arg(oldName, phrases.join(u", "_s)));
 }
 
-McpToolResult addField(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult addField(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString name = trimmedArgument(arguments, u"category"_s);
-    const QString label = trimmedArgument(arguments, u"label"_s);
+    const QString name = arguments.trimmed(categoryKey);
+    const QString label = arguments.trimmed(labelKey);
+    const QString typeName = arguments.trimmed(typeKey);
+    QStringList options;
+    for (const QString &option : arguments.textList(optionsKey)) {
+        if (const QString text = option.trimmed(); !text.isEmpty())
+            options.append(text);
+    }
     if (name.isEmpty() || label.isEmpty())
         return McpToolResult::failure(u"add_field needs \"category\" and a non-empty \"label\"."_s);
-    core::Project &project = workspace.project();
-    const core::Category *category
-        = project.categories().category(findCategory(project.categories(), name));
+    if (const Result<void> line = checkSingleLine(labelKey, label); !line)
+        return McpToolResult::failure(line.error());
+
+    core::Project &project = context.workspace().project();
+    const core::Category *category = project.categories().category(
+        findCategory(project.categories(), name));
     if (!category)
         return McpToolResult::failure(noCategoryMessage(name));
 
     core::FieldType type = core::FieldType::Text;
-    if (const QString typeName = trimmedArgument(arguments, u"type"_s); !typeName.isEmpty()) {
+    if (!typeName.isEmpty()) {
         const std::optional<core::FieldType> parsed = core::enumFromName<core::FieldType>(typeName);
         if (!parsed) {
-            return McpToolResult::failure(u"Unknown field type '%1'; use one of: %2."_s.arg(
-                typeName, core::enumNames<core::FieldType>().join(u", "_s)));
+            return McpToolResult::failure(
+                u"Unknown field type '%1'; use one of: %2."_s
+                    .arg(typeName, core::enumNames<core::FieldType>().join(u", "_s)));
         }
         type = *parsed;
     }
-    QStringList options;
-    for (const QJsonValue &option : arguments.value(u"options"_s).toArray()) {
-        if (const QString text = option.toString().trimmed(); !text.isEmpty())
-            options.append(text);
-    }
     if (type == core::FieldType::Choice && options.isEmpty())
         return McpToolResult::failure(u"A choice field needs a non-empty \"options\" array."_s);
+    // The options are listed on the field's one schema line, and a value is matched against
+    // them whole.
+    if (type == core::FieldType::Choice) {
+        for (const QString &option : options) {
+            if (const Result<void> line = checkSingleLine(optionsKey, option); !line)
+                return McpToolResult::failure(line.error());
+        }
+    }
     const QString key = fieldKeyForLabel(label);
     if (key.isEmpty())
         return McpToolResult::failure(u"The label '%1' reduces to an empty key."_s.arg(label));
@@ -350,27 +296,28 @@ McpToolResult addField(Workspace &workspace, McpChangeLog &log, const QJsonObjec
     field.key = key;
     field.label = label;
     field.type = type;
-    field.required = boolArgument(arguments, u"required"_s);
-    field.description = trimmedArgument(arguments, u"description"_s);
+    field.required = arguments.boolean(requiredKey);
+    field.description = arguments.trimmed(descriptionKey);
     if (type == core::FieldType::Choice)
         field.options = options;
 
     const bool replaces = category->fieldIndex(key) >= 0;
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: add field"_s);
     change->append(std::make_unique<core::AddFieldCommand>(project, category->id(), field));
-    return applyChange(
-        workspace, log, std::move(change),
-        u"%1 the %2 field '%3' on category '%4'."_s.arg(replaces ? u"Updated"_s : u"Added"_s,
-                                                        core::enumName(type), label, name));
+    return applyChange(context, std::move(change),
+                       u"%1 the %2 field '%3' on category '%4'."_s.arg(replaces ? u"Updated"_s
+                                                                                : u"Added"_s,
+                                                                       core::enumName(type), label,
+                                                                       name));
 }
 
-McpToolResult removeField(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult removeField(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString name = trimmedArgument(arguments, u"category"_s);
-    const QString fieldName = trimmedArgument(arguments, u"field"_s);
+    const QString name = arguments.trimmed(categoryKey);
+    const QString fieldName = arguments.trimmed(fieldKey);
     if (name.isEmpty() || fieldName.isEmpty())
         return McpToolResult::failure(u"remove_field needs \"category\" and \"field\"."_s);
-    core::Project &project = workspace.project();
+    core::Project &project = context.workspace().project();
     const core::CategoryTree &tree = project.categories();
     const core::Category *category = tree.category(findCategory(tree, name));
     if (!category)
@@ -390,64 +337,111 @@ McpToolResult removeField(Workspace &workspace, McpChangeLog &log, const QJsonOb
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: remove field"_s);
     change->append(
         std::make_unique<core::RemoveFieldCommand>(project, category->id(), field->definition.key));
-    return applyChange(
-        workspace, log, std::move(change),
-        u"Removed the field '%1' from category '%2'. Entity values under it are "
-        "kept, so undo restores the field with its data."_s.arg(field->definition.label, name));
+    return applyChange(context, std::move(change),
+                       u"Removed the field '%1' from category '%2'. Entity values under it are "
+                       "kept, so undo restores the field with its data."_s
+                           .arg(field->definition.label, name));
 }
 
-McpToolResult moveField(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult moveField(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString name = trimmedArgument(arguments, u"category"_s);
-    const QString fieldName = trimmedArgument(arguments, u"field"_s);
+    const QString name = arguments.trimmed(categoryKey);
+    const QString fieldName = arguments.trimmed(fieldKey);
+    const std::optional<qint64> requested = arguments.integer(positionKey);
     if (name.isEmpty() || fieldName.isEmpty())
         return McpToolResult::failure(u"move_field needs \"category\" and \"field\"."_s);
-    const QJsonValue positionValue = arguments.value(u"position"_s);
-    if (!positionValue.isDouble()) {
-        return McpToolResult::failure(
-            u"move_field needs \"position\" (a 0-based integer index)."_s);
+    if (!requested) {
+        return McpToolResult::failure(missingPosition);
     }
-    // A fractional position is read as the whole number below it; anything past the end is
-    // clamped further down, so a huge number simply means "last".
-    const double requested = std::trunc(positionValue.toDouble());
-    if (!(requested >= 0))
+    if (*requested < 0)
         return McpToolResult::failure(u"\"position\" must be a non-negative index."_s);
-    core::Project &project = workspace.project();
+    core::Project &project = context.workspace().project();
     const core::CategoryTree &tree = project.categories();
     const core::Category *category = tree.category(findCategory(tree, name));
     if (!category)
         return McpToolResult::failure(noCategoryMessage(name));
-    const std::optional<SchemaField> field
-        = findSchemaField(ownFields(tree.effectiveSchema(category->id())), fieldName);
+    const std::optional<SchemaField> field = findSchemaField(ownFields(tree.effectiveSchema(
+                                                                 category->id())),
+                                                             fieldName);
     if (!field) {
         return McpToolResult::failure(
             u"Category '%1' has no own field '%2' to reorder."_s.arg(name, fieldName));
     }
 
-    const qsizetype last = category->fields().size() - 1;
-    const int position = int(std::min<double>(requested, double(last)));
-    const QString text = u"Moved the field '%1' to position %2 on category '%3'."_s.arg(
-        field->definition.label, QString::number(position), name);
+    // Anything past the end is clamped, so a huge number simply means "last".
+    const qint64 last = category->fields().size() - 1;
+    const int position = int(std::min(*requested, last));
+    const QString text = u"Moved the field '%1' to position %2 on category '%3'."_s
+                             .arg(field->definition.label, QString::number(position), name);
     if (category->fieldIndex(field->definition.key) == position)
         return McpToolResult::success(text);
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: move field"_s);
     change->append(std::make_unique<core::MoveFieldCommand>(project, category->id(),
                                                             field->definition.key, position));
-    return applyChange(workspace, log, std::move(change), text);
+    return applyChange(context, std::move(change), text);
 }
 
 } // namespace
 
-void registerCategoryTools(McpServer &server, Workspace &workspace, McpChangeLog &log)
+std::vector<ToolDefinition> codexCategoryTools()
 {
-    using Args = const QJsonObject &;
-    server.addTool(getCategoryTool(), [&](Args a) { return getCategory(workspace, a); });
-    server.addTool(listCategoryTool(), [&](Args a) { return listCategory(workspace, a); });
-    server.addTool(createCategoryTool(), [&](Args a) { return createCategory(workspace, log, a); });
-    server.addTool(updateCategoryTool(), [&](Args a) { return updateCategory(workspace, log, a); });
-    server.addTool(addFieldTool(), [&](Args a) { return addField(workspace, log, a); });
-    server.addTool(removeFieldTool(), [&](Args a) { return removeField(workspace, log, a); });
-    server.addTool(moveFieldTool(), [&](Args a) { return moveField(workspace, log, a); });
+    const QString categoryName = u"The category's name (case-insensitive)."_s;
+    const QString definingCategory = u"The category that defines the field."_s;
+    const QString fieldName = u"The field's label or key."_s;
+    return {
+        {u"get_category"_s,
+         u"Shows a category's parent, subcategories, entity count, and its full field schema (each "
+         "field's type, options, whether required, and own vs inherited) -- the read side of "
+         "add_field / remove_field / move_field."_s,
+         {requiredText(categoryKey, categoryName)},
+         getCategory},
+        {u"list_category"_s,
+         u"Lists the entities of a named codex category with one-line summaries."_s,
+         {requiredText(categoryKey, categoryName)},
+         listCategory},
+        {u"create_category"_s,
+         u"Creates a codex category (with a standard Summary field). Pass \"parent\" to nest it "
+         "under another category (the parent is created when absent). A category that already "
+         "exists is a valid no-op."_s,
+         {requiredText(nameKey, u"The new category's name."_s),
+          optionalText(parentKey,
+                       u"The category to nest it under; created at the top level when absent."_s)},
+         createCategory},
+        {u"update_category"_s,
+         u"Renames, moves, or deletes a codex category."_s,
+         {requiredText(categoryKey, u"The category to change."_s),
+          optionalText(newNameKey, u"Rename the category to this name."_s),
+          optionalText(parentKey,
+                       u"Move it under this category (created when absent); an empty string makes "
+                       "it a top-level category."_s),
+          optionalBool(deleteKey,
+                       u"true to delete the category; its subcategories and entities move up to "
+                       "its parent."_s)},
+         updateCategory},
+        {u"add_field"_s,
+         u"Defines a typed field on a codex category's schema (or replaces the same-named field "
+         "already on it)."_s,
+         {requiredText(categoryKey, u"The category whose schema gets the field."_s),
+          requiredText(labelKey, u"The field's display label, e.g. \"Eye Color\"."_s),
+          optionalChoice(typeKey, u"text | number | boolean | date | reference | choice | url."_s,
+                         core::enumNames<core::FieldType>()),
+          optionalTextList(optionsKey, u"The choices of a choice field."_s),
+          optionalBool(requiredKey,
+                       u"Whether every entity should fill the field (default false)."_s),
+          optionalText(descriptionKey, u"A short explanation shown with the field."_s)},
+         addField},
+        {u"remove_field"_s,
+         u"Removes a field from a codex category's own schema."_s,
+         {requiredText(categoryKey, definingCategory), requiredText(fieldKey, fieldName)},
+         removeField},
+        {u"move_field"_s,
+         u"Reorders a field within a codex category's own schema, changing the order fields are "
+         "shown."_s,
+         {requiredText(categoryKey, definingCategory), requiredText(fieldKey, fieldName),
+          withTypeRefusal(requiredInteger(positionKey, u"The 0-based index to move it to."_s),
+                          missingPosition)},
+         moveField},
+    };
 }
 
 } // namespace fb::app

@@ -1,14 +1,15 @@
 #pragma once
 
+#include "tools/common/tooldefinition.h"
+
+#include <vector>
+
 namespace fb::app {
 
-class McpChangeLog;
-class McpServer;
-class Workspace;
-
-// The three groups of the codex family, each registered from its own file.
-void registerCategoryTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerEntityTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
-void registerOverviewTools(McpServer &server, Workspace &workspace, McpChangeLog &log);
+// The three groups of the codex family, each defined in its own file, in the order codexTools()
+// lists them.
+std::vector<ToolDefinition> codexCategoryTools();
+std::vector<ToolDefinition> codexEntityTools();
+std::vector<ToolDefinition> codexOverviewTools();
 
 } // namespace fb::app

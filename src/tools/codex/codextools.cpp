@@ -1,16 +1,19 @@
+#include "tools/codex/codexfamily.h"
 #include "tools/registration.h"
 
-#include "tools/codex/codexfamily.h"
+#include <iterator>
 
 namespace fb::app {
 
 // The codex: categories and their fields, entities, then the project overview, search and
 // review comments, in that order in the tool list.
-void registerMcpWorldTools(McpServer &server, Workspace &workspace, McpChangeLog &log)
+std::vector<ToolDefinition> codexTools()
 {
-    registerCategoryTools(server, workspace, log);
-    registerEntityTools(server, workspace, log);
-    registerOverviewTools(server, workspace, log);
+    std::vector<ToolDefinition> tools = codexCategoryTools();
+    for (std::vector<ToolDefinition> group : {codexEntityTools(), codexOverviewTools()})
+        tools.insert(tools.end(), std::make_move_iterator(group.begin()),
+                     std::make_move_iterator(group.end()));
+    return tools;
 }
 
 } // namespace fb::app

@@ -1,16 +1,16 @@
-#include "tools/codex/overviewhandlers.h"
-
 #include "core/commands/command.h"
 #include "core/commands/commentcommands.h"
 #include "core/commands/structuralcommands.h"
 #include "core/contentobjects.h"
 #include "core/ids.h"
 #include "core/project.h"
-#include "storage/applylogsave.h"
 #include "storage/workspace.h"
-#include "tools/codex/agentview.h"
-#include "tools/common/arguments.h"
+#include "tools/codex/overviewhandlers.h"
+#include "tools/common/change.h"
 #include "tools/common/objectlookup.h"
+#include "tools/common/toolarguments.h"
+#include "tools/common/toolcontext.h"
+#include "tools/common/visibility.h"
 
 #include <QDateTime>
 #include <QHash>
@@ -21,6 +21,8 @@
 #include <map>
 #include <optional>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 namespace {
@@ -28,10 +30,20 @@ namespace {
 constexpr qsizetype bodyPreviewLength = 160;
 constexpr qsizetype anchorPreviewLength = 40;
 
-QString authorArgument(const QJsonObject &arguments)
+const QString authorKey = u"author"_s;
+const QString bodyKey = u"body"_s;
+const QString commentKey = u"comment"_s;
+const QString targetKey = u"target"_s;
+const QString targetIdKey = u"target_id"_s;
+
+// The author a comment is signed with. It heads the comment's one line in every listing, so a
+// line break in it is refused.
+Result<QString> authorArgument(const ToolArguments &arguments)
 {
-    const QString author = trimmedArgument(arguments, QStringLiteral("author"));
-    return author.isEmpty() ? QStringLiteral("Claude") : author;
+    const QString author = arguments.trimmed(authorKey);
+    if (const Result<void> line = checkSingleLine(authorKey, author); !line)
+        return makeError(line.error());
+    return author.isEmpty() ? u"Claude"_s : author;
 }
 
 // White space collapsed to single blanks; past the limit, the first characters, trimmed, and
@@ -41,7 +53,7 @@ QString shortened(const QString &text, qsizetype limit)
     const QString simplified = text.simplified();
     if (simplified.size() <= limit)
         return simplified;
-    return simplified.left(limit).trimmed() + QStringLiteral("...");
+    return simplified.left(limit).trimmed() + u"..."_s;
 }
 
 // The detail of a comment line: where in the target it points when it has an anchor, since
@@ -52,20 +64,18 @@ QString commentDetail(const core::Comment &comment)
     if (!comment.anchor().trimmed().isEmpty())
         return u'"' + shortened(comment.anchor(), anchorPreviewLength) + u'"';
     if (!comment.createdAt().isValid())
-        return QStringLiteral("undated");
-    return comment.createdAt().toUTC().toString(QStringLiteral("yyyy-MM-dd HH:mm"))
-           + QStringLiteral(" UTC");
+        return u"undated"_s;
+    return comment.createdAt().toUTC().toString(u"yyyy-MM-dd HH:mm"_s) + u" UTC"_s;
 }
 
 QString commentLine(const core::Comment &comment, int depth)
 {
-    const QString author = comment.author().trimmed().isEmpty() ? QStringLiteral("unknown")
-                                                                : comment.author();
-    return QStringLiteral("%1- [%2] %3 (%4): %5 [id: %6]")
-        .arg(QString(depth * 2, u' '),
-             comment.isResolved() ? QStringLiteral("resolved") : QStringLiteral("open"), author,
-             commentDetail(comment), shortened(comment.body(), bodyPreviewLength),
-             core::idText(comment.id()));
+    const QString author = comment.author().trimmed().isEmpty() ? u"unknown"_s : comment.author();
+    return u"%1- [%2] %3 (%4): %5 [id: %6]"_s.arg(QString(depth * 2, u' '),
+                                                  comment.isResolved() ? u"resolved"_s : u"open"_s,
+                                                  author, commentDetail(comment),
+                                                  shortened(comment.body(), bodyPreviewLength),
+                                                  core::idText(comment.id()));
 }
 
 // Threads in the order they were started; replies in the order they were written.
@@ -90,11 +100,12 @@ struct CommentGroup
 };
 
 // Every comment the agent may see, grouped by target.
-std::vector<CommentGroup> gatherComments(Workspace &workspace, const AgentView &view)
+std::vector<CommentGroup> gatherComments(ToolContext &context)
 {
+    const Visibility &view = context.visibility();
     QHash<QUuid, std::pair<LocatedObject, qsizetype>> objects;
     std::vector<const core::Comment *> comments;
-    forEachGatheredObject(workspace, [&](const LocatedObject &located) {
+    forEachGatheredObject(context.workspace(), [&](const LocatedObject &located) {
         if (!objects.contains(located.object->id()))
             objects.insert(located.object->id(), {located, objects.size()});
         const auto *comment = core::objectCast<core::Comment>(located.object);
@@ -203,64 +214,58 @@ QStringList groupLines(const CommentGroup &group, bool includeResolved)
 QString groupHeading(const CommentGroup &group)
 {
     if (!group.target)
-        return QStringLiteral("## (deleted object)");
+        return u"## (deleted object)"_s;
     const core::ContentObject &target = *group.target->object;
     QString title = core::objectTitle(target);
     if (title.trimmed().isEmpty())
-        title = QStringLiteral("(untitled %1)").arg(core::objectTypeNoun(target.type()));
+        title = u"(untitled %1)"_s.arg(core::objectTypeNoun(target.type()));
     if (group.target->isInLibrary())
-        return QStringLiteral("## %1 (library '%2')").arg(title, group.target->libraryName);
-    return QStringLiteral("## ") + title;
+        return u"## %1 (library '%2')"_s.arg(title, group.target->libraryName);
+    return u"## "_s + title;
 }
 
-// The target named by "target" or "target_id"; a document below an excluded one is withheld
-// like the excluded one itself.
-Result<LocatedObject> findTarget(Workspace &workspace, const AgentView &view,
-                                 const QJsonObject &arguments, bool forChange)
+// The target named by "target" or "target_id"; the lookup withholds what the agent may not see.
+Result<LocatedObject> findTarget(ToolContext &context, const ToolArguments &arguments,
+                                 bool forChange)
 {
     ObjectQuery query;
-    query.name = trimmedArgument(arguments, QStringLiteral("target"));
-    query.id = trimmedArgument(arguments, QStringLiteral("target_id"));
+    query.name = arguments.trimmed(targetKey);
+    query.id = arguments.trimmed(targetIdKey);
     query.forChange = forChange;
-    Result<LocatedObject> found = findObject(workspace, query);
-    if (found && !view.isVisible(*found->object))
-        return makeError(excludedFromAiMessage(core::objectTitle(*found->object), forChange));
-    return found;
+    return findObject(context, query);
 }
 
-bool namesTarget(const QJsonObject &arguments)
+bool namesTarget(const ToolArguments &arguments)
 {
-    return !trimmedArgument(arguments, QStringLiteral("target")).isEmpty()
-           || !trimmedArgument(arguments, QStringLiteral("target_id")).isEmpty();
+    return !arguments.trimmed(targetKey).isEmpty() || !arguments.trimmed(targetIdKey).isEmpty();
 }
 
 // The comment a reply or resolution addresses by id: only the open project's comments can be
 // changed, and a withheld comment is refused as the writers refuse any withheld object.
-Result<core::Comment *> resolveCommentId(Workspace &workspace, const QString &text)
+Result<core::Comment *> resolveCommentId(ToolContext &context, const QString &text)
 {
+    Workspace &workspace = context.workspace();
     const QUuid id = parseObjectId(text);
     if (id.isNull())
-        return makeError(QStringLiteral("'%1' is not a valid comment id.").arg(text));
+        return makeError(u"'%1' is not a valid comment id."_s.arg(text));
     if (auto *comment = workspace.project().objectAs<core::Comment>(id)) {
-        if (!AgentView(workspace).isVisible(*comment))
+        if (!context.visibility().isVisible(*comment))
             return makeError(excludedFromAiMessage(text, true));
         return comment;
     }
     for (const MountedLibrary &library : workspace.libraries()) {
         if (library.project && library.project->objectAs<core::Comment>(id)) {
-            return makeError(QStringLiteral("Comment '%1' lives in a mounted library; this server "
-                                            "edits only the open project.")
-                                 .arg(text));
+            return makeError(u"Comment '%1' lives in a mounted library; this server "
+                             "edits only the open project."_s.arg(text));
         }
     }
-    return makeError(QStringLiteral("No comment with id '%1' exists in this project.").arg(text));
+    return makeError(u"No comment with id '%1' exists in this project."_s.arg(text));
 }
 
-std::unique_ptr<core::Comment> newComment(const QUuid &targetId, const QUuid &parentId,
-                                          const QString &author, const QString &body,
-                                          const QString &anchor)
+std::unique_ptr<core::Comment> newComment(const QDateTime &now, const QUuid &targetId,
+                                          const QUuid &parentId, const QString &author,
+                                          const QString &body, const QString &anchor)
 {
-    const QDateTime now = QDateTime::currentDateTimeUtc();
     core::CommentRecord record;
     record.targetId = targetId;
     record.parentId = parentId;
@@ -274,51 +279,55 @@ std::unique_ptr<core::Comment> newComment(const QUuid &targetId, const QUuid &pa
     return comment;
 }
 
-McpToolResult addCommentObject(Workspace &workspace, McpChangeLog &log, const QString &label,
-                               std::unique_ptr<core::Comment> comment, const QString &text)
+// The step that adds a comment to the open project.
+std::unique_ptr<core::CompositeCommand> addingComment(core::Project &project, const QString &label,
+                                                      std::unique_ptr<core::Comment> comment)
 {
     auto change = std::make_unique<core::CompositeCommand>(label);
-    change->append(
-        std::make_unique<core::AddObjectCommand>(workspace.project(), std::move(comment)));
-    return applyChange(workspace, log, std::move(change), text);
+    change->append(std::make_unique<core::AddObjectCommand>(project, std::move(comment)));
+    return change;
 }
 
 } // namespace
 
-McpToolResult addComment(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult addComment(ToolContext &context, const ToolArguments &arguments)
 {
     if (!namesTarget(arguments)) {
-        return McpToolResult::failure(
-            QStringLiteral("add_comment needs \"target\" (or \"target_id\")."));
+        return McpToolResult::failure(u"add_comment needs \"target\" (or \"target_id\")."_s);
     }
-    const AgentView view(workspace);
-    const Result<LocatedObject> target = findTarget(workspace, view, arguments, true);
+    const Result<LocatedObject> target = findTarget(context, arguments, true);
     if (!target)
         return McpToolResult::failure(target.error());
     if (target->isInLibrary())
         return McpToolResult::failure(libraryRefusal(*target));
-    const QString body = trimmedArgument(arguments, QStringLiteral("body"));
+    const QString body = arguments.trimmed(bodyKey);
     if (body.isEmpty())
-        return McpToolResult::failure(QStringLiteral("add_comment needs a non-empty \"body\"."));
+        return McpToolResult::failure(u"add_comment needs a non-empty \"body\"."_s);
+    const Result<QString> author = authorArgument(arguments);
+    if (!author)
+        return McpToolResult::failure(author.error());
 
-    const QString author = authorArgument(arguments);
-    const QString title = core::objectTitle(*target->object);
-    return addCommentObject(
-        workspace, log, QStringLiteral("MCP: add comment"),
-        newComment(target->object->id(), QUuid(), author, body,
-                   trimmedArgument(arguments, QStringLiteral("anchor"))),
-        QStringLiteral("Added a comment by %1 on '%2'.").arg(author, title));
+    std::unique_ptr<core::Comment> comment = newComment(context.now(), target->object->id(),
+                                                        QUuid(), *author, body,
+                                                        arguments.trimmed(u"anchor"_s));
+    // The answer is the one sentence agents already know; the new comment's id, which
+    // reply_comment and resolve_comment take, is listed by list_comments.
+    const QString text = u"Added a comment by %1 on '%2'."_s.arg(*author, core::objectTitle(
+                                                                              *target->object));
+    return applyChange(context,
+                       addingComment(context.workspace().project(), u"MCP: add comment"_s,
+                                     std::move(comment)),
+                       text);
 }
 
-McpToolResult listComments(Workspace &workspace, const QJsonObject &arguments)
+McpToolResult listComments(ToolContext &context, const ToolArguments &arguments)
 {
-    const bool includeResolved = boolArgument(arguments, QStringLiteral("include_resolved"));
-    const AgentView view(workspace);
+    const bool includeResolved = arguments.boolean(u"include_resolved"_s);
     if (namesTarget(arguments)) {
-        const Result<LocatedObject> target = findTarget(workspace, view, arguments, false);
+        const Result<LocatedObject> target = findTarget(context, arguments, false);
         if (!target)
             return McpToolResult::failure(target.error());
-        const std::vector<CommentGroup> groups = gatherComments(workspace, view);
+        const std::vector<CommentGroup> groups = gatherComments(context);
         const QUuid id = target->object->id();
         const auto group = std::find_if(groups.cbegin(), groups.cend(),
                                         [&](const CommentGroup &g) { return g.targetId == id; });
@@ -326,16 +335,15 @@ McpToolResult listComments(Workspace &workspace, const QJsonObject &arguments)
                                                          : groupLines(*group, includeResolved);
         if (lines.isEmpty()) {
             return McpToolResult::success(
-                QStringLiteral("No %1comments on '%2' yet.")
-                    .arg(includeResolved ? QString() : QStringLiteral("open "),
-                         core::objectTitle(*target->object)));
+                u"No %1comments on '%2' yet."_s.arg(includeResolved ? QString() : u"open "_s,
+                                                    core::objectTitle(*target->object)));
         }
         return McpToolResult::success(lines.join(u'\n'));
     }
 
-    const std::vector<CommentGroup> groups = gatherComments(workspace, view);
+    const std::vector<CommentGroup> groups = gatherComments(context);
     if (groups.empty())
-        return McpToolResult::success(QStringLiteral("No comments yet."));
+        return McpToolResult::success(u"No comments yet."_s);
     QStringList sections;
     for (const CommentGroup &group : groups) {
         const QStringList lines = groupLines(group, includeResolved);
@@ -344,58 +352,60 @@ McpToolResult listComments(Workspace &workspace, const QJsonObject &arguments)
     }
     if (sections.isEmpty()) {
         return McpToolResult::success(
-            QStringLiteral("No open comments; pass include_resolved to see resolved threads."));
+            u"No open comments; pass include_resolved to see resolved threads."_s);
     }
-    return McpToolResult::success(sections.join(QStringLiteral("\n\n")));
+    return McpToolResult::success(sections.join(u"\n\n"_s));
 }
 
-McpToolResult replyComment(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult replyComment(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString id = trimmedArgument(arguments, QStringLiteral("comment"));
+    const QString id = arguments.trimmed(commentKey);
     if (id.isEmpty()) {
         return McpToolResult::failure(
-            QStringLiteral("reply_comment needs \"comment\" (the id shown by list_comments)."));
+            u"reply_comment needs \"comment\" (the id shown by list_comments)."_s);
     }
-    const QString body = trimmedArgument(arguments, QStringLiteral("body"));
+    const QString body = arguments.trimmed(bodyKey);
     if (body.isEmpty())
-        return McpToolResult::failure(QStringLiteral("reply_comment needs a non-empty \"body\"."));
-    const Result<core::Comment *> answered = resolveCommentId(workspace, id);
+        return McpToolResult::failure(u"reply_comment needs a non-empty \"body\"."_s);
+    const Result<core::Comment *> answered = resolveCommentId(context, id);
     if (!answered)
         return McpToolResult::failure(answered.error());
+    const Result<QString> author = authorArgument(arguments);
+    if (!author)
+        return McpToolResult::failure(author.error());
 
-    const QString author = authorArgument(arguments);
-    return addCommentObject(workspace, log, QStringLiteral("MCP: reply to comment"),
-                            newComment((*answered)->targetId(), (*answered)->id(), author, body,
-                                       QString()),
-                            QStringLiteral("Added a reply by %1.").arg(author));
+    return applyChange(context,
+                       addingComment(context.workspace().project(), u"MCP: reply to comment"_s,
+                                     newComment(context.now(), (*answered)->targetId(),
+                                                (*answered)->id(), *author, body, QString())),
+                       u"Added a reply by %1."_s.arg(*author));
 }
 
-McpToolResult resolveComment(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult resolveComment(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString id = trimmedArgument(arguments, QStringLiteral("comment"));
+    const QString id = arguments.trimmed(commentKey);
     if (id.isEmpty()) {
         return McpToolResult::failure(
-            QStringLiteral("resolve_comment needs \"comment\" (the id shown by list_comments)."));
+            u"resolve_comment needs \"comment\" (the id shown by list_comments)."_s);
     }
-    const Result<core::Comment *> found = resolveCommentId(workspace, id);
+    const bool resolved = arguments.boolean(u"resolved"_s, true);
+    const Result<core::Comment *> found = resolveCommentId(context, id);
     if (!found)
         return McpToolResult::failure(found.error());
     const core::Comment &comment = **found;
-    const bool resolved = boolArgument(arguments, QStringLiteral("resolved"), true);
     if (comment.isResolved() == resolved) {
-        return McpToolResult::success(resolved ? QStringLiteral("That comment is already resolved.")
-                                               : QStringLiteral("That comment is already open."));
+        return McpToolResult::success(resolved ? u"That comment is already resolved."_s
+                                               : u"That comment is already open."_s);
     }
 
     core::CommentRecord record = comment.record();
     record.resolved = resolved;
-    record.updatedAt = QDateTime::currentDateTimeUtc();
-    auto change = std::make_unique<core::CompositeCommand>(QStringLiteral("MCP: resolve comment"));
-    change->append(std::make_unique<core::SetCommentCommand>(workspace.project(), comment.id(),
-                                                             record));
-    return applyChange(workspace, log, std::move(change),
-                       resolved ? QStringLiteral("Marked the comment resolved.")
-                                : QStringLiteral("Reopened the comment."));
+    record.updatedAt = context.now();
+    auto change = std::make_unique<core::CompositeCommand>(u"MCP: resolve comment"_s);
+    change->append(std::make_unique<core::SetCommentCommand>(context.workspace().project(),
+                                                             comment.id(), record));
+    return applyChange(context, std::move(change),
+                       resolved ? u"Marked the comment resolved."_s : u"Reopened the comment."_s);
 }
 
 } // namespace fb::app

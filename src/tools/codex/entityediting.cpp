@@ -1,5 +1,3 @@
-#include "tools/codex/entityhandlers.h"
-
 #include "core/commands/categorycommands.h"
 #include "core/commands/command.h"
 #include "core/commands/entitycommands.h"
@@ -7,14 +5,16 @@
 #include "core/contentobjects.h"
 #include "core/ids.h"
 #include "core/project.h"
-#include "storage/applylogsave.h"
 #include "storage/workspace.h"
 #include "tools/codex/categorylookup.h"
+#include "tools/codex/entityhandlers.h"
 #include "tools/codex/entitysupport.h"
-#include "tools/common/arguments.h"
+#include "tools/codex/fieldvalues.h"
+#include "tools/common/change.h"
 #include "tools/common/storydates.h"
+#include "tools/common/toolarguments.h"
+#include "tools/common/toolcontext.h"
 
-#include <QJsonArray>
 #include <QJsonObject>
 #include <QMap>
 
@@ -58,26 +58,9 @@ const QStringList &updateKeys()
     return keys;
 }
 
-Result<QStringList> stringArray(const QJsonObject &arguments, const QString &key)
-{
-    const QJsonValue value = arguments.value(key);
-    const QString refusal = u"\"%1\" must be an array of strings."_s.arg(key);
-    if (!value.isArray())
-        return makeError(refusal);
-    QStringList strings;
-    for (const QJsonValue &element : value.toArray()) {
-        if (!element.isString())
-            return makeError(refusal);
-        if (const QString text = element.toString().trimmed(); !text.isEmpty())
-            strings.append(text);
-    }
-    return strings;
-}
-
 // A date argument: an empty text clears the date.
-Result<std::optional<qint64>> storyDate(const core::Calendar &calendar, const QJsonValue &value)
+Result<std::optional<qint64>> storyDate(const core::Calendar &calendar, const QString &text)
 {
-    const QString text = argumentText(value);
     if (text.isEmpty())
         return std::optional<qint64>();
     const Result<qint64> instant = parseStoryDate(calendar, text);
@@ -89,9 +72,9 @@ Result<std::optional<qint64>> storyDate(const core::Calendar &calendar, const QJ
 class UpdateReader
 {
 public:
-    UpdateReader(Workspace &workspace, const core::Entity &entity, const QJsonObject &arguments)
-        : m_workspace(workspace)
-        , m_project(workspace.project())
+    UpdateReader(ToolContext &context, const core::Entity &entity, const ToolArguments &arguments)
+        : m_context(context)
+        , m_project(context.workspace().project())
         , m_entity(entity)
         , m_arguments(arguments)
     {}
@@ -109,15 +92,17 @@ public:
     }
 
 private:
-    bool has(const QString &key) const { return m_arguments.contains(key); }
+    bool has(const QString &key) const { return m_arguments.has(key); }
 
     Result<void> readName()
     {
         if (!has(u"new_name"_s))
             return {};
-        const QString name = trimmedArgument(m_arguments, u"new_name"_s);
+        const QString name = m_arguments.trimmed(u"new_name"_s);
         if (name.isEmpty())
             return makeError(u"\"new_name\" must be a non-empty name."_s);
+        if (const Result<void> line = checkSingleLine(u"new_name"_s, name); !line)
+            return line;
         if (entityNamed(m_project, name, m_entity.id()))
             return makeError(u"An entity named '%1' already exists."_s.arg(name));
         m_update.newName = name;
@@ -128,9 +113,12 @@ private:
     {
         if (!has(u"category"_s))
             return {};
-        const QString name = trimmedArgument(m_arguments, u"category"_s);
+        const QString name = m_arguments.trimmed(u"category"_s);
         if (name.isEmpty())
             return makeError(u"\"category\" must be a non-empty category name."_s);
+        // A category not there yet is created with this name.
+        if (const Result<void> line = checkSingleLine(u"category"_s, name); !line)
+            return line;
         const QUuid id = findCategory(m_project.categories(), name);
         const core::Category *category = m_project.categories().category(id);
         m_update.categoryId = id;
@@ -142,16 +130,16 @@ private:
     Result<void> readSets()
     {
         if (has(u"aliases"_s)) {
-            const Result<QStringList> aliases = stringArray(m_arguments, u"aliases"_s);
+            const Result<QStringList> aliases = aliasesArgument(m_arguments);
             if (!aliases)
                 return makeError(aliases.error());
-            m_update.aliases = aliasSet(*aliases);
+            m_update.aliases = *aliases;
         }
         if (has(u"tags"_s)) {
-            const Result<QStringList> tags = stringArray(m_arguments, u"tags"_s);
+            const Result<QStringList> tags = tagsArgument(m_arguments);
             if (!tags)
                 return makeError(tags.error());
-            m_update.tags = core::sortedUnique(*tags);
+            m_update.tags = *tags;
         }
         return {};
     }
@@ -162,8 +150,8 @@ private:
              {std::pair{u"born"_s, &m_update.born}, std::pair{u"died"_s, &m_update.died}}) {
             if (!has(key))
                 continue;
-            const Result<std::optional<qint64>> date
-                = storyDate(m_project.calendar(), m_arguments.value(key));
+            const Result<std::optional<qint64>> date = storyDate(m_project.calendar(),
+                                                                 m_arguments.trimmed(key));
             if (!date)
                 return makeError(date.error());
             *slot = *date;
@@ -189,7 +177,7 @@ private:
 
     // The key a value is stored under: the existing field's, or that of a new field of the
     // given type defined on the target category.
-    Result<QString> keyFor(const QString &name, core::FieldType type)
+    Result<QString> keyFor(const QString &argument, const QString &name, core::FieldType type)
     {
         const QString key = fieldKeyForLabel(name);
         if (m_update.newFields.contains(key))
@@ -198,6 +186,9 @@ private:
             return makeError(u"'%1' has no category to define the field '%2' on; pass "
                              "\"category\" to file it first."_s.arg(m_entity.name(), name));
         }
+        // The name becomes the label of the new field.
+        if (const Result<void> line = checkSingleLine(argument, name); !line)
+            return makeError(line.error());
         core::FieldDefinition definition;
         definition.key = key;
         definition.label = name;
@@ -206,42 +197,36 @@ private:
         return key;
     }
 
-    Result<QJsonObject> objectArgument(const QString &key) const
-    {
-        const QJsonValue value = m_arguments.value(key);
-        if (!value.isObject())
-            return makeError(u"\"%1\" must be an object of values by field label."_s.arg(key));
-        return value.toObject();
-    }
-
     Result<void> readFields()
     {
         if (!has(u"fields"_s))
             return {};
-        const Result<QJsonObject> fields = objectArgument(u"fields"_s);
-        if (!fields)
-            return makeError(fields.error());
+        const QJsonObject fields = m_arguments.object(u"fields"_s);
         const QList<SchemaField> schema = targetSchema();
-        for (auto it = fields->begin(); it != fields->end(); ++it) {
+        for (auto it = fields.begin(); it != fields.end(); ++it) {
             const QString name = it.key().trimmed();
             if (name.isEmpty())
                 continue;
             if (isBuiltInProperty(name))
                 return makeError(builtInPropertyMessage(name));
-            QString key;
+            core::FieldDefinition definition;
             if (const std::optional<SchemaField> field = findSchemaField(schema, name)) {
-                if (field->definition.type != core::FieldType::Text) {
+                if (field->definition.type == core::FieldType::Reference) {
                     return makeError(u"Field '%1' exists with a non-text type; use "
                                      "\"references\" for a Reference field."_s.arg(name));
                 }
-                key = field->definition.key;
+                definition = field->definition;
             } else {
-                const Result<QString> added = keyFor(name, core::FieldType::Text);
+                const Result<QString> added = keyFor(u"fields"_s, name, core::FieldType::Text);
                 if (!added)
                     return makeError(added.error());
-                key = *added;
+                definition = m_update.newFields.value(*added);
             }
-            m_update.values.insert(key, argumentText(it.value()));
+            const Result<QString> value = fieldValueText(definition, name, it.value(),
+                                                         m_project.calendar());
+            if (!value)
+                return makeError(value.error());
+            m_update.values.insert(definition.key, *value);
         }
         return {};
     }
@@ -250,11 +235,9 @@ private:
     {
         if (!has(u"references"_s))
             return {};
-        const Result<QJsonObject> references = objectArgument(u"references"_s);
-        if (!references)
-            return makeError(references.error());
+        const QJsonObject references = m_arguments.object(u"references"_s);
         const QList<SchemaField> schema = targetSchema();
-        for (auto it = references->begin(); it != references->end(); ++it) {
+        for (auto it = references.begin(); it != references.end(); ++it) {
             const QString name = it.key().trimmed();
             if (name.isEmpty())
                 continue;
@@ -267,14 +250,15 @@ private:
             ObjectQuery query;
             query.name = targetName;
             query.entitiesOnly = true;
-            const Result<LocatedObject> target = findObject(m_workspace, query);
+            const Result<LocatedObject> target = findObject(m_context, query);
             if (!target)
                 return makeError(target.error());
             QString key;
             if (field) {
                 key = field->definition.key;
             } else {
-                const Result<QString> added = keyFor(name, core::FieldType::Reference);
+                const Result<QString> added = keyFor(u"references"_s, name,
+                                                     core::FieldType::Reference);
                 if (!added)
                     return makeError(added.error());
                 key = *added;
@@ -290,20 +274,11 @@ private:
     {
         if (!has(u"timed_values"_s))
             return {};
-        const QJsonValue value = m_arguments.value(u"timed_values"_s);
-        const QJsonArray array = value.toArray();
-        const bool allObjects = std::all_of(array.begin(), array.end(),
-                                            [](const QJsonValue &v) { return v.isObject(); });
-        if (!value.isArray() || !allObjects) {
-            return makeError(
-                u"\"timed_values\" must be an array of {field, when, value} objects."_s);
-        }
         const QList<SchemaField> schema = targetSchema();
         QList<core::TimedValue> timedValues;
-        for (const QJsonValue &element : array) {
-            const QJsonObject entry = element.toObject();
-            const QString field = argumentText(entry.value(u"field"_s));
-            const QString when = argumentText(entry.value(u"when"_s));
+        for (const QJsonObject &entry : m_arguments.records(u"timed_values"_s)) {
+            const QString field = entry.value(u"field"_s).toString().trimmed();
+            const QString when = entry.value(u"when"_s).toString().trimmed();
             if (field.isEmpty() || when.isEmpty())
                 return makeError(u"Every timed value needs a non-empty \"field\" and \"when\"."_s);
             const Result<qint64> instant = parseStoryDate(m_project.calendar(), when);
@@ -312,16 +287,16 @@ private:
             // A field the schema does not define is kept under the key its label would get.
             const std::optional<SchemaField> known = findSchemaField(schema, field);
             timedValues.append({known ? known->definition.key : fieldKeyForLabel(field), *instant,
-                                argumentText(entry.value(u"value"_s))});
+                                entry.value(u"value"_s).toString().trimmed()});
         }
         m_update.timedValues = timedValues;
         return {};
     }
 
-    Workspace &m_workspace;
+    ToolContext &m_context;
     core::Project &m_project;
     const core::Entity &m_entity;
-    const QJsonObject &m_arguments;
+    const ToolArguments &m_arguments;
     EntityUpdate m_update;
 };
 
@@ -367,8 +342,7 @@ QStringList buildUpdate(core::Project &project, const core::Entity &entity,
     if (references > 0)
         phrases.append(u"%1 reference(s)"_s.arg(QString::number(references)));
     if (update.aliases && *update.aliases != entity.aliases()) {
-        change.append(
-            std::make_unique<core::SetEntityAliasesCommand>(project, id, *update.aliases));
+        change.append(std::make_unique<core::SetEntityAliasesCommand>(project, id, *update.aliases));
         phrases.append(u"%1 alias(es)"_s.arg(QString::number(update.aliases->size())));
     }
     if (update.tags && *update.tags != entity.tags()) {
@@ -399,13 +373,13 @@ QStringList buildUpdate(core::Project &project, const core::Entity &entity,
 
 } // namespace
 
-McpToolResult updateEntity(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult updateEntity(ToolContext &context, const ToolArguments &arguments)
 {
     ObjectQuery query = objectQuery(arguments, u"entity"_s);
     if (query.name.isEmpty() && query.id.isEmpty())
         return McpToolResult::failure(u"update_entity needs \"entity\" (or \"id\")."_s);
     query.entitiesOnly = true;
-    const Result<LocatedObject> located = findObjectToChange(workspace, query);
+    const Result<LocatedObject> located = findObjectToChange(context, query);
     if (!located)
         return McpToolResult::failure(located.error());
     const auto *entity = core::objectCast<core::Entity>(located->object);
@@ -414,22 +388,22 @@ McpToolResult updateEntity(Workspace &workspace, McpChangeLog &log, const QJsonO
             u"'%1' is not an entity."_s.arg(core::objectTitle(*located->object)));
     }
     const QStringList &keys = updateKeys();
-    if (std::none_of(keys.begin(), keys.end(),
-                     [&](const QString &k) { return arguments.contains(k); })) {
+    if (std::none_of(keys.begin(), keys.end(), [&](const QString &k) { return arguments.has(k); })) {
         return McpToolResult::failure(
             u"update_entity received nothing to change; pass \"fields\", \"aliases\", \"born\", "
             "\"died\", \"tags\", or \"references\"."_s);
     }
-    const Result<EntityUpdate> update = UpdateReader(workspace, *entity, arguments).read();
+    const Result<EntityUpdate> update = UpdateReader(context, *entity, arguments).read();
     if (!update)
         return McpToolResult::failure(update.error());
 
     const QString name = entity->name();
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: update entity"_s);
-    const QStringList phrases = buildUpdate(workspace.project(), *entity, *update, *change);
+    const QStringList phrases = buildUpdate(context.workspace().project(), *entity, *update,
+                                            *change);
     if (change->isEmpty())
         return McpToolResult::success(u"'%1' was already up to date; nothing changed."_s.arg(name));
-    return applyChange(workspace, log, std::move(change),
+    return applyChange(context, std::move(change),
                        u"Updated '%1': %2."_s.arg(name, phrases.join(u", "_s)));
 }
 

@@ -1,17 +1,15 @@
-#include "tools/codex/entityhandlers.h"
-
 #include "core/commands/command.h"
 #include "core/commands/objectcommands.h"
 #include "core/commands/structuralcommands.h"
 #include "core/contentobjects.h"
 #include "core/project.h"
-#include "storage/applylogsave.h"
 #include "storage/workspace.h"
+#include "tools/codex/entityhandlers.h"
 #include "tools/codex/entitysupport.h"
 #include "tools/codex/references.h"
-#include "tools/common/arguments.h"
-
-#include <QJsonArray>
+#include "tools/common/change.h"
+#include "tools/common/toolarguments.h"
+#include "tools/common/toolcontext.h"
 
 #include <algorithm>
 
@@ -39,16 +37,16 @@ void moveChildrenUp(core::Project &project, const core::Document &document,
 
 } // namespace
 
-McpToolResult deleteObject(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult deleteObject(ToolContext &context, const ToolArguments &arguments)
 {
     const ObjectQuery query = objectQuery(arguments, u"name"_s);
     if (query.name.isEmpty() && query.id.isEmpty())
         return McpToolResult::failure(u"delete_object needs \"name\" (or \"id\")."_s);
-    const Result<LocatedObject> located = findObjectToChange(workspace, query);
+    const Result<LocatedObject> located = findObjectToChange(context, query);
     if (!located)
         return McpToolResult::failure(located.error());
     const core::ContentObject &object = *located->object;
-    core::Project &project = workspace.project();
+    core::Project &project = context.workspace().project();
 
     // References are left as they are, so that undo gives back a project whose references all
     // resolve again; the agent is told how many now point nowhere.
@@ -65,34 +63,48 @@ McpToolResult deleteObject(Workspace &workspace, McpChangeLog &log, const QJsonO
     if (const auto *document = core::objectCast<core::Document>(&object))
         moveChildrenUp(project, *document, *change);
     change->append(std::make_unique<core::RemoveObjectCommand>(project, object.id()));
-    return applyChange(workspace, log, std::move(change), text);
+    return applyChange(context, std::move(change), text);
 }
 
-McpToolResult setVisibility(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+QString missingAudiences()
+{
+    return u"set_visibility needs \"audiences\" (an array of audience names; empty means "
+           "visible to everyone)."_s;
+}
+
+QString missingExclusion()
+{
+    return u"set_ai_exclusion needs \"excluded\" (true to hide the object from AI, false to "
+           "include it again)."_s;
+}
+
+McpToolResult setVisibility(ToolContext &context, const ToolArguments &arguments)
 {
     const ObjectQuery query = objectQuery(arguments, u"name"_s);
     if (query.name.isEmpty() && query.id.isEmpty())
         return McpToolResult::failure(u"set_visibility needs \"name\" (or \"id\")."_s);
-    const Result<LocatedObject> located = findObjectToChange(workspace, query);
+    const Result<LocatedObject> located = findObjectToChange(context, query);
     if (!located)
         return McpToolResult::failure(located.error());
-    const QJsonValue value = arguments.value(u"audiences"_s);
-    if (!value.isArray()) {
-        return McpToolResult::failure(u"set_visibility needs \"audiences\" (an array of audience "
-                                      "names; empty means visible to everyone)."_s);
+    if (!arguments.has(u"audiences"_s)) {
+        return McpToolResult::failure(missingAudiences());
     }
     QStringList audiences;
-    for (const QJsonValue &element : value.toArray()) {
-        const QString name = element.toString().trimmed();
-        if (!name.isEmpty() && !audiences.contains(name))
-            audiences.append(name);
+    for (const QString &element : arguments.textList(u"audiences"_s)) {
+        const QString name = element.trimmed();
+        if (name.isEmpty() || audiences.contains(name))
+            continue;
+        // Audience names are listed on one line, in the overview and in this tool's answer.
+        if (const Result<void> line = checkSingleLine(u"audiences"_s, name); !line)
+            return McpToolResult::failure(line.error());
+        audiences.append(name);
     }
 
-    core::Project &project = workspace.project();
+    core::Project &project = context.workspace().project();
     const core::ContentObject &object = *located->object;
     const QString title = core::objectTitle(object);
-    const QStringList added
-        = core::SetAudiencesCommand::unregistered(project.audiences(), audiences);
+    const QStringList added = core::SetAudiencesCommand::unregistered(project.audiences(),
+                                                                      audiences);
     QString text = audiences.isEmpty()
                        ? u"'%1' is now visible to everyone."_s.arg(title)
                        : u"'%1' is now visible only to: %2."_s.arg(title, audiences.join(u", "_s));
@@ -103,25 +115,23 @@ McpToolResult setVisibility(Workspace &workspace, McpChangeLog &log, const QJson
 
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: set visibility"_s);
     change->append(std::make_unique<core::SetAudiencesCommand>(project, object.id(), audiences));
-    return applyChange(workspace, log, std::move(change), text);
+    return applyChange(context, std::move(change), text);
 }
 
-McpToolResult setAiExclusion(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult setAiExclusion(ToolContext &context, const ToolArguments &arguments)
 {
     ObjectQuery query = objectQuery(arguments, u"name"_s);
     if (query.name.isEmpty() && query.id.isEmpty())
         return McpToolResult::failure(u"set_ai_exclusion needs \"name\" (or \"id\")."_s);
     // The one lookup that finds excluded objects, so that they can be included again.
     query.allowExcluded = true;
-    const Result<LocatedObject> located = findObjectToChange(workspace, query);
+    const Result<LocatedObject> located = findObjectToChange(context, query);
     if (!located)
         return McpToolResult::failure(located.error());
-    const QJsonValue excludedValue = arguments.value(u"excluded"_s);
-    if (!excludedValue.isBool()) {
-        return McpToolResult::failure(u"set_ai_exclusion needs \"excluded\" (true to hide the "
-                                      "object from AI, false to include it again)."_s);
+    if (!arguments.has(u"excluded"_s)) {
+        return McpToolResult::failure(missingExclusion());
     }
-    const bool excluded = excludedValue.toBool();
+    const bool excluded = arguments.boolean(u"excluded"_s);
     const core::ContentObject &object = *located->object;
     const QString title = core::objectTitle(object);
     if (object.isAiExcluded() == excluded) {
@@ -129,9 +139,9 @@ McpToolResult setAiExclusion(Workspace &workspace, McpChangeLog &log, const QJso
                                                : u"'%1' is already included in AI."_s.arg(title));
     }
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: set AI exclusion"_s);
-    change->append(
-        std::make_unique<core::SetAiExclusionCommand>(workspace.project(), object.id(), excluded));
-    return applyChange(workspace, log, std::move(change),
+    change->append(std::make_unique<core::SetAiExclusionCommand>(context.workspace().project(),
+                                                                 object.id(), excluded));
+    return applyChange(context, std::move(change),
                        excluded ? u"'%1' is now excluded from AI features (its content is withheld "
                                   "from the agent snapshot, the world index, and consistency "
                                   "checks)."_s.arg(title)

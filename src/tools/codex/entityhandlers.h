@@ -2,25 +2,27 @@
 
 #include "server/mcptoolresult.h"
 
-#include <QJsonObject>
-
 namespace fb::app {
 
-class McpChangeLog;
-class Workspace;
+class ToolArguments;
+class ToolContext;
 
-// The handlers of the entity tools; entitytools.cpp registers them.
+// The handlers of the entity tools; entitytools.cpp lists them.
 
-McpToolResult getEntity(Workspace &workspace, const QJsonObject &arguments);
+McpToolResult getEntity(ToolContext &context, const ToolArguments &arguments);
 
-McpToolResult createEntity(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult updateEntity(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
+McpToolResult createEntity(ToolContext &context, const ToolArguments &arguments);
+McpToolResult updateEntity(ToolContext &context, const ToolArguments &arguments);
 
-McpToolResult deleteObject(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult mergeEntities(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult splitEntity(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
+McpToolResult deleteObject(ToolContext &context, const ToolArguments &arguments);
+McpToolResult mergeEntities(ToolContext &context, const ToolArguments &arguments);
+McpToolResult splitEntity(ToolContext &context, const ToolArguments &arguments);
 
-McpToolResult setVisibility(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult setAiExclusion(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
+McpToolResult setVisibility(ToolContext &context, const ToolArguments &arguments);
+// Said when "audiences" is missing or not an array of names.
+QString missingAudiences();
+McpToolResult setAiExclusion(ToolContext &context, const ToolArguments &arguments);
+// Said when "excluded" is missing or not true or false.
+QString missingExclusion();
 
 } // namespace fb::app

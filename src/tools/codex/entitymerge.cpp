@@ -1,5 +1,3 @@
-#include "tools/codex/entityhandlers.h"
-
 #include "core/commands/command.h"
 #include "core/commands/entitycommands.h"
 #include "core/commands/objectcommands.h"
@@ -7,14 +5,15 @@
 #include "core/contentobjects.h"
 #include "core/ids.h"
 #include "core/project.h"
-#include "storage/applylogsave.h"
 #include "storage/workspace.h"
 #include "tools/codex/categorylookup.h"
+#include "tools/codex/entityhandlers.h"
 #include "tools/codex/entitysupport.h"
 #include "tools/codex/references.h"
-#include "tools/common/arguments.h"
+#include "tools/common/change.h"
+#include "tools/common/toolarguments.h"
+#include "tools/common/toolcontext.h"
 
-#include <QJsonArray>
 #include <QSet>
 
 #include <algorithm>
@@ -45,8 +44,8 @@ void fillGaps(core::Project &project, const core::Entity &source, const core::En
         if (it.value().isEmpty() || !target.value(it.key()).isEmpty())
             continue;
         // A source that pointed at itself now points at the entity it became.
-        const QString value
-            = isReferenceTo(it.value(), source.id()) ? core::idText(id) : it.value();
+        const QString value = isReferenceTo(it.value(), source.id()) ? core::idText(id)
+                                                                     : it.value();
         merge.append(std::make_unique<core::SetFieldValueCommand>(project, id, it.key(), value));
     }
 
@@ -64,9 +63,10 @@ void fillGaps(core::Project &project, const core::Entity &source, const core::En
     if (tags != target.tags())
         merge.append(std::make_unique<core::SetObjectTagsCommand>(project, id, tags));
 
-    const core::EntityLifespan lifespan{
-        target.birthInstant() ? target.birthInstant() : source.birthInstant(),
-        target.deathInstant() ? target.deathInstant() : source.deathInstant()};
+    const core::EntityLifespan lifespan{target.birthInstant() ? target.birthInstant()
+                                                              : source.birthInstant(),
+                                        target.deathInstant() ? target.deathInstant()
+                                                              : source.deathInstant()};
     if (lifespan != core::entityLifespan(target))
         merge.append(std::make_unique<core::SetEntityLifespanCommand>(project, id, lifespan));
 
@@ -97,8 +97,7 @@ void fillGaps(core::Project &project, const core::Entity &source, const core::En
 
 // The merge as one step: the gaps filled, every reference re-pointed, the source removed. Nothing
 // when either side is no entity of the project, or both are the same.
-std::optional<Merge> buildMerge(core::Project &project, const QUuid &sourceId,
-                                const QUuid &targetId)
+std::optional<Merge> buildMerge(core::Project &project, const QUuid &sourceId, const QUuid &targetId)
 {
     const auto *source = project.objectAs<core::Entity>(sourceId);
     const auto *target = project.objectAs<core::Entity>(targetId);
@@ -140,27 +139,27 @@ std::unique_ptr<core::CompositeCommand> buildSplit(core::Project &project, const
     return split;
 }
 
-Result<LocatedObject> findEntityToChange(Workspace &workspace, const QJsonObject &arguments,
+Result<LocatedObject> findEntityToChange(ToolContext &context, const ToolArguments &arguments,
                                          const QString &nameKey, const QString &refusal)
 {
     ObjectQuery query = objectQuery(arguments, nameKey, nameKey + u"_id"_s);
     if (query.name.isEmpty() && query.id.isEmpty())
         return makeError(refusal);
     query.entitiesOnly = true;
-    return findObjectToChange(workspace, query);
+    return findObjectToChange(context, query);
 }
 
 } // namespace
 
-McpToolResult mergeEntities(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult mergeEntities(ToolContext &context, const ToolArguments &arguments)
 {
     const Result<LocatedObject> source
-        = findEntityToChange(workspace, arguments, u"source"_s,
+        = findEntityToChange(context, arguments, u"source"_s,
                              u"merge_entities needs \"source\" (or \"source_id\")."_s);
     if (!source)
         return McpToolResult::failure(source.error());
     const Result<LocatedObject> target
-        = findEntityToChange(workspace, arguments, u"target"_s,
+        = findEntityToChange(context, arguments, u"target"_s,
                              u"merge_entities needs \"target\" (or \"target_id\")."_s);
     if (!target)
         return McpToolResult::failure(target.error());
@@ -171,28 +170,30 @@ McpToolResult mergeEntities(Workspace &workspace, McpChangeLog &log, const QJson
 
     const QString sourceName = core::objectTitle(*source->object);
     const QString targetName = core::objectTitle(*target->object);
-    std::optional<Merge> merge = buildMerge(workspace.project(), sourceId, targetId);
+    std::optional<Merge> merge = buildMerge(context.workspace().project(), sourceId, targetId);
     if (!merge) {
-        return McpToolResult::failure(
-            u"The merge could not be built; both '%1' and '%2' must be "
-            "entities in the open project."_s.arg(sourceName, targetName));
+        return McpToolResult::failure(u"The merge could not be built; both '%1' and '%2' must be "
+                                      "entities in the open project."_s.arg(sourceName, targetName));
     }
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: merge entities"_s);
     change->append(std::move(merge->command));
-    return applyChange(workspace, log, std::move(change),
-                       u"Merged '%1' into '%2', re-pointing %3 reference(s)."_s.arg(
-                           sourceName, targetName, QString::number(merge->repointed)));
+    return applyChange(context, std::move(change),
+                       u"Merged '%1' into '%2', re-pointing %3 reference(s)."_s
+                           .arg(sourceName, targetName, QString::number(merge->repointed)));
 }
 
-McpToolResult splitEntity(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult splitEntity(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString newName = trimmedArgument(arguments, u"new_name"_s);
+    const QString newName = arguments.trimmed(u"new_name"_s);
     if (newName.isEmpty()) {
         return McpToolResult::failure(
             u"split_entity needs \"new_name\" for the entity to carve off."_s);
     }
-    const Result<LocatedObject> located = findEntityToChange(
-        workspace, arguments, u"source"_s, u"split_entity needs \"source\" (or \"source_id\")."_s);
+    if (const Result<void> line = checkSingleLine(u"new_name"_s, newName); !line)
+        return McpToolResult::failure(line.error());
+    const Result<LocatedObject> located
+        = findEntityToChange(context, arguments, u"source"_s,
+                             u"split_entity needs \"source\" (or \"source_id\")."_s);
     if (!located)
         return McpToolResult::failure(located.error());
     const auto *source = core::objectCast<core::Entity>(located->object);
@@ -200,19 +201,16 @@ McpToolResult splitEntity(Workspace &workspace, McpChangeLog &log, const QJsonOb
         return McpToolResult::failure(
             u"The split of '%1' could not be built."_s.arg(core::objectTitle(*located->object)));
     }
-    core::Project &project = workspace.project();
+    core::Project &project = context.workspace().project();
     if (entityNamed(project, newName)) {
         return McpToolResult::failure(
             u"An entity named '%1' already exists; choose a distinct name."_s.arg(newName));
     }
 
-    const QJsonValue fieldsValue = arguments.value(u"fields"_s);
-    if (!fieldsValue.isUndefined() && !fieldsValue.isNull() && !fieldsValue.isArray())
-        return McpToolResult::failure(u"\"fields\" must be an array of strings."_s);
     const auto schema = project.categories().effectiveSchema(source->categoryId());
     QStringList keys;
-    for (const QJsonValue &element : fieldsValue.toArray()) {
-        const QString name = element.toString().trimmed();
+    for (const QString &element : arguments.textList(u"fields"_s)) {
+        const QString name = element.trimmed();
         if (name.isEmpty())
             continue;
         const auto field = findSchemaField(schema, name);
@@ -226,21 +224,22 @@ McpToolResult splitEntity(Workspace &workspace, McpChangeLog &log, const QJsonOb
     const qsizetype copied = std::count_if(keys.begin(), keys.end(), [&](const QString &key) {
         return !source->value(key).isEmpty();
     });
-    const bool copyLifespan = boolArgument(arguments, u"copy_lifespan"_s);
+    const bool copyLifespan = arguments.boolean(u"copy_lifespan"_s);
     const bool lifespanCopied = copyLifespan && (source->birthInstant() || source->deathInstant());
 
     const QString sourceName = source->name();
-    std::unique_ptr<core::CompositeCommand> split
-        = buildSplit(project, source->id(), newName, keys, copyLifespan);
+    std::unique_ptr<core::CompositeCommand> split = buildSplit(project, source->id(), newName, keys,
+                                                               copyLifespan);
     if (!split)
         return McpToolResult::failure(u"The split of '%1' could not be built."_s.arg(sourceName));
     auto change = std::make_unique<core::CompositeCommand>(u"MCP: split entity"_s);
     change->append(std::move(split));
-    return applyChange(
-        workspace, log, std::move(change),
-        u"Split a new entity '%1' off '%2' (copied %3 field(s)%4). Divide the "
-        "references between the two by hand."_s.arg(newName, sourceName, QString::number(copied),
-                                                    lifespanCopied ? u" + lifespan"_s : QString()));
+    return applyChange(context, std::move(change),
+                       u"Split a new entity '%1' off '%2' (copied %3 field(s)%4). Divide the "
+                       "references between the two by hand."_s.arg(newName, sourceName,
+                                                                   QString::number(copied),
+                                                                   lifespanCopied ? u" + lifespan"_s
+                                                                                  : QString()));
 }
 
 } // namespace fb::app

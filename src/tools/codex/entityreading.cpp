@@ -1,14 +1,16 @@
-#include "tools/codex/entityhandlers.h"
-
 #include "core/calendar.h"
 #include "core/contentobjects.h"
 #include "core/ids.h"
 #include "core/project.h"
 #include "core/storytime.h"
 #include "storage/workspace.h"
+#include "tools/codex/entityhandlers.h"
 #include "tools/codex/entitysupport.h"
 #include "tools/codex/mentions.h"
+#include "tools/common/manuscript.h"
 #include "tools/common/objectlookup.h"
+#include "tools/common/toolcontext.h"
+#include "tools/common/visibility.h"
 
 #include <QSet>
 #include <QStringList>
@@ -44,17 +46,18 @@ const core::ContentObject *referencedObject(Workspace &workspace, const core::Pr
     return nullptr;
 }
 
-// A reference value as the agent reads it: the target's name. An excluded target stays
-// withheld, and a value that names nothing (any more) says so instead of showing a bare id.
-QString referenceText(Workspace &workspace, const core::Project &owner, const QString &value)
+// A reference value as the agent reads it: the target's name. A target withheld from the agent
+// is never named, and a value that names nothing (any more) says so instead of showing a bare
+// id.
+QString referenceText(ToolContext &context, const core::Project &owner, const QString &value)
 {
     const QUuid id = core::idFromText(value);
     if (id.isNull())
         return value;
-    const core::ContentObject *target = referencedObject(workspace, owner, id);
+    const core::ContentObject *target = referencedObject(context.workspace(), owner, id);
     if (!target)
         return u"(missing entity)"_s;
-    if (target->isAiExcluded())
+    if (!context.visibility().isVisible(*target))
         return u"(excluded from AI)"_s;
     return core::objectTitle(*target);
 }
@@ -65,7 +68,7 @@ QString categoryName(const core::Project &owner, const core::Entity &entity)
     return category ? category->name() : u"uncategorized"_s;
 }
 
-QStringList fieldLines(Workspace &workspace, const core::Project &owner, const core::Entity &entity)
+QStringList fieldLines(ToolContext &context, const core::Project &owner, const core::Entity &entity)
 {
     QStringList lines;
     QSet<QString> shown;
@@ -76,8 +79,8 @@ QStringList fieldLines(Workspace &workspace, const core::Project &owner, const c
             continue;
         shown.insert(key);
         const bool isReference = field.definition.type == core::FieldType::Reference;
-        lines.append(u"- %1: %2"_s.arg(
-            field.definition.label, isReference ? referenceText(workspace, owner, value) : value));
+        lines.append(u"- %1: %2"_s.arg(field.definition.label,
+                                       isReference ? referenceText(context, owner, value) : value));
     }
     // Values whose field is no longer defined (a removed field keeps its data) are shown by key;
     // one holding an id still reads as the name it points at.
@@ -85,8 +88,9 @@ QStringList fieldLines(Workspace &workspace, const core::Project &owner, const c
         if (shown.contains(it.key()) || it.value().isEmpty())
             continue;
         const bool looksLikeId = !core::idFromText(it.value()).isNull();
-        lines.append(u"- %1: %2"_s.arg(
-            it.key(), looksLikeId ? referenceText(workspace, owner, it.value()) : it.value()));
+        lines.append(u"- %1: %2"_s.arg(it.key(), looksLikeId
+                                                     ? referenceText(context, owner, it.value())
+                                                     : it.value()));
     }
     return lines;
 }
@@ -98,9 +102,10 @@ QStringList timedValueLines(const core::Project &owner, const core::Entity &enti
         labels.insert(field.definition.key, field.definition.label);
     // Chronological, as the state unfolds; values of one instant keep their stored order.
     QList<core::TimedValue> values = entity.timedValues();
-    std::stable_sort(
-        values.begin(), values.end(),
-        [](const core::TimedValue &a, const core::TimedValue &b) { return a.instant < b.instant; });
+    std::stable_sort(values.begin(), values.end(),
+                     [](const core::TimedValue &a, const core::TimedValue &b) {
+                         return a.instant < b.instant;
+                     });
     QStringList lines;
     for (const core::TimedValue &value : values) {
         lines.append(
@@ -110,12 +115,13 @@ QStringList timedValueLines(const core::Project &owner, const core::Entity &enti
     return lines;
 }
 
-QString mentionLine(Workspace &workspace, const core::Entity &entity)
+QString mentionLine(ToolContext &context, const core::Entity &entity)
 {
     // Mentions are looked for in the open project's manuscript, also for a library entity:
     // what the writer wants to know is where their own text uses it.
     const std::vector<const core::Document *> documents
-        = documentsMentioning(workspace.project(), QStringList{entity.name()} + entity.aliases());
+        = documentsMentioning(visibleManuscript(context),
+                              QStringList{entity.name()} + entity.aliases());
     if (documents.empty())
         return {};
     QStringList titles;
@@ -128,12 +134,14 @@ QString mentionLine(Workspace &workspace, const core::Entity &entity)
 
 } // namespace
 
-McpToolResult getEntity(Workspace &workspace, const QJsonObject &arguments)
+McpToolResult getEntity(ToolContext &context, const ToolArguments &arguments)
 {
-    const ObjectQuery query = objectQuery(arguments, u"name"_s);
+    ObjectQuery query = objectQuery(arguments, u"name"_s);
     if (query.name.isEmpty() && query.id.isEmpty())
         return McpToolResult::failure(u"get_entity needs \"name\" (or \"id\")."_s);
-    const Result<LocatedObject> located = findObject(workspace, query);
+    // A document or map that shares the entity's name is no candidate.
+    query.entitiesOnly = true;
+    const Result<LocatedObject> located = findObject(context, query);
     if (!located)
         return McpToolResult::failure(located.error());
     const auto *entity = core::objectCast<core::Entity>(located->object);
@@ -158,14 +166,14 @@ McpToolResult getEntity(Workspace &workspace, const QJsonObject &arguments)
     const auto date = [&](std::optional<qint64> instant) {
         return instant ? core::formatInstant(owner.calendar(), *instant) : u"unknown"_s;
     };
-    lines.append(u"Lifespan: %1 -- %2"_s.arg(date(entity->birthInstant()),
-                                             date(entity->deathInstant())));
+    lines.append(
+        u"Lifespan: %1 -- %2"_s.arg(date(entity->birthInstant()), date(entity->deathInstant())));
     lines.append(u"Gallery: %1 image(s)"_s.arg(QString::number(entity->gallery().size())));
-    if (const QStringList fields = fieldLines(workspace, owner, *entity); !fields.isEmpty())
+    if (const QStringList fields = fieldLines(context, owner, *entity); !fields.isEmpty())
         lines += QStringList{u"Fields:"_s} + fields;
     if (const QStringList timed = timedValueLines(owner, *entity); !timed.isEmpty())
         lines += QStringList{u"State over time:"_s} + timed;
-    if (const QString mentions = mentionLine(workspace, *entity); !mentions.isEmpty())
+    if (const QString mentions = mentionLine(context, *entity); !mentions.isEmpty())
         lines.append(mentions);
     return McpToolResult::success(lines.join(u'\n'));
 }

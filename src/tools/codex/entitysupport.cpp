@@ -2,9 +2,8 @@
 
 #include "core/entity.h"
 #include "core/project.h"
-#include "tools/common/arguments.h"
+#include "tools/common/toolarguments.h"
 
-#include <QJsonObject>
 #include <QLocale>
 #include <QSet>
 
@@ -15,20 +14,39 @@ using namespace Qt::StringLiterals;
 
 namespace fb::app {
 
-Result<LocatedObject> findObjectToChange(Workspace &workspace, ObjectQuery query)
+namespace {
+
+// The trimmed, non-empty entries of a list argument, each checked to be one line.
+Result<QStringList> singleLineEntries(const ToolArguments &arguments, const QString &key)
+{
+    QStringList entries;
+    for (const QString &entry : arguments.textList(key)) {
+        const QString trimmed = entry.trimmed();
+        if (trimmed.isEmpty())
+            continue;
+        if (const Result<void> line = checkSingleLine(key, trimmed); !line)
+            return makeError(line.error());
+        entries.append(trimmed);
+    }
+    return entries;
+}
+
+} // namespace
+
+Result<LocatedObject> findObjectToChange(ToolContext &context, ObjectQuery query)
 {
     query.forChange = true;
-    Result<LocatedObject> located = findObject(workspace, query);
+    Result<LocatedObject> located = findObject(context, query);
     if (located && located->isInLibrary())
         return makeError(libraryRefusal(*located));
     return located;
 }
 
-ObjectQuery objectQuery(const QJsonObject &arguments, const QString &nameKey, const QString &idKey)
+ObjectQuery objectQuery(const ToolArguments &arguments, const QString &nameKey, const QString &idKey)
 {
     ObjectQuery query;
-    query.name = trimmedArgument(arguments, nameKey);
-    query.id = trimmedArgument(arguments, idKey);
+    query.name = arguments.trimmed(nameKey);
+    query.id = arguments.trimmed(idKey);
     return query;
 }
 
@@ -53,9 +71,10 @@ const core::Entity *entityNamed(const core::Project &project, const QString &nam
 
 bool isBuiltInProperty(const QString &key)
 {
-    static const std::array<QString, 10> names{
-        u"name"_s, u"new_name"_s, u"category"_s,   u"aliases"_s,      u"born"_s,
-        u"died"_s, u"tags"_s,     u"references"_s, u"timed_values"_s, u"entity"_s};
+    static const std::array<QString, 10> names{u"name"_s,    u"new_name"_s,   u"category"_s,
+                                               u"aliases"_s, u"born"_s,       u"died"_s,
+                                               u"tags"_s,    u"references"_s, u"timed_values"_s,
+                                               u"entity"_s};
     const QString folded = key.trimmed().toLower();
     return std::find(names.begin(), names.end(), folded) != names.end();
 }
@@ -95,6 +114,22 @@ QStringList aliasSet(const QStringList &aliases)
     }
     result.sort();
     return result;
+}
+
+Result<QStringList> aliasesArgument(const ToolArguments &arguments)
+{
+    const Result<QStringList> aliases = singleLineEntries(arguments, u"aliases"_s);
+    if (!aliases)
+        return aliases;
+    return aliasSet(*aliases);
+}
+
+Result<QStringList> tagsArgument(const ToolArguments &arguments)
+{
+    const Result<QStringList> tags = singleLineEntries(arguments, u"tags"_s);
+    if (!tags)
+        return tags;
+    return core::sortedUnique(*tags);
 }
 
 } // namespace fb::app

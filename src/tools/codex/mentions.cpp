@@ -2,7 +2,6 @@
 
 #include "core/document.h"
 #include "tools/common/bodytext.h"
-#include "tools/common/manuscript.h"
 
 #include <QRegularExpression>
 #include <QSet>
@@ -44,14 +43,14 @@ QRegularExpression mentionPattern(const QStringList &names)
 
 } // namespace
 
-std::vector<const core::Document *> documentsMentioning(core::Project &project,
-                                                        const QStringList &names)
+std::vector<const core::Document *> documentsMentioning(
+    const std::vector<ManuscriptEntry> &manuscript, const QStringList &names)
 {
     std::vector<const core::Document *> found;
     const QRegularExpression pattern = mentionPattern(names);
     if (pattern.pattern().isEmpty())
         return found;
-    for (const ManuscriptEntry &entry : visibleManuscript(project)) {
+    for (const ManuscriptEntry &entry : manuscript) {
         if (pattern.match(plainText(entry.document->body())).hasMatch())
             found.push_back(entry.document);
     }

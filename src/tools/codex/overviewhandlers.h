@@ -2,21 +2,19 @@
 
 #include "server/mcptoolresult.h"
 
-#include <QJsonObject>
-
 namespace fb::app {
 
-class McpChangeLog;
-class Workspace;
+class ToolArguments;
+class ToolContext;
 
-// The handlers of the overview, search and comment tools; overviewtools.cpp registers them.
+// The handlers of the overview, search and comment tools; overviewtools.cpp lists them.
 
-McpToolResult getProjectOverview(Workspace &workspace);
-McpToolResult searchProject(Workspace &workspace, const QJsonObject &arguments);
+McpToolResult getProjectOverview(ToolContext &context, const ToolArguments &arguments);
+McpToolResult searchProject(ToolContext &context, const ToolArguments &arguments);
 
-McpToolResult addComment(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult listComments(Workspace &workspace, const QJsonObject &arguments);
-McpToolResult replyComment(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult resolveComment(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
+McpToolResult addComment(ToolContext &context, const ToolArguments &arguments);
+McpToolResult listComments(ToolContext &context, const ToolArguments &arguments);
+McpToolResult replyComment(ToolContext &context, const ToolArguments &arguments);
+McpToolResult resolveComment(ToolContext &context, const ToolArguments &arguments);
 
 } // namespace fb::app

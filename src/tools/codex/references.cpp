@@ -257,8 +257,7 @@ bool isReferenceTo(const QString &value, const QUuid &entityId)
     return (length == 36 || length == 38) && core::idFromText(value) == entityId;
 }
 
-ReferenceWalk walkReferences(core::Project &project, const QUuid &entityId,
-                             const QUuid &replacement)
+ReferenceWalk walkReferences(core::Project &project, const QUuid &entityId, const QUuid &replacement)
 {
     if (entityId.isNull())
         return {};

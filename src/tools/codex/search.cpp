@@ -1,14 +1,16 @@
-#include "tools/codex/overviewhandlers.h"
-
 #include "core/contentobjects.h"
-#include "tools/codex/agentview.h"
-#include "tools/common/arguments.h"
+#include "tools/codex/overviewhandlers.h"
 #include "tools/common/bodytext.h"
 #include "tools/common/objectlookup.h"
+#include "tools/common/toolarguments.h"
+#include "tools/common/toolcontext.h"
+#include "tools/common/visibility.h"
 
 #include <QStringList>
 
 #include <array>
+
+using namespace Qt::StringLiterals;
 
 namespace fb::app {
 
@@ -57,9 +59,9 @@ QString contextAround(const QString &text, qsizetype position, qsizetype length)
     }
     QString context = text.mid(start, end - start).simplified();
     if (start > lineStart)
-        context.prepend(QStringLiteral("..."));
+        context.prepend(u"..."_s);
     if (end < lineEnd)
-        context.append(QStringLiteral("..."));
+        context.append(u"..."_s);
     return context;
 }
 
@@ -75,10 +77,10 @@ public:
         QStringList &lines = m_lines[std::size_t(rank)];
         if (lines.size() >= resultCap)
             return;
-        const QString head = QStringLiteral("- %1 (%2)").arg(core::objectTitle(*located.object),
-                                                             objectDescription(located));
+        const QString head = u"- %1 (%2)"_s.arg(core::objectTitle(*located.object),
+                                                objectDescription(located));
         const QString context = makeContext();
-        lines.append(context.isEmpty() ? head : head + QStringLiteral(" -- ") + context);
+        lines.append(context.isEmpty() ? head : head + u" -- "_s + context);
     }
 
     bool isFull(MatchRank rank) const { return m_lines[std::size_t(rank)].size() >= resultCap; }
@@ -86,7 +88,7 @@ public:
     QString text(const QString &query) const
     {
         if (m_total == 0)
-            return QStringLiteral("No matches for '%1'.").arg(query);
+            return u"No matches for '%1'."_s.arg(query);
         QStringList shown;
         for (const QStringList &lines : m_lines) {
             for (const QString &line : lines) {
@@ -96,7 +98,7 @@ public:
         }
         QString text = shown.join(u'\n');
         if (m_total > shown.size()) {
-            text += QStringLiteral("\nShowing %1 of %2 matches; refine the query to see the rest.")
+            text += u"\nShowing %1 of %2 matches; refine the query to see the rest."_s
                         .arg(QString::number(shown.size()), QString::number(m_total));
         }
         return text;
@@ -109,15 +111,15 @@ private:
 
 } // namespace
 
-McpToolResult searchProject(Workspace &workspace, const QJsonObject &arguments)
+McpToolResult searchProject(ToolContext &context, const ToolArguments &arguments)
 {
-    const QString query = trimmedArgument(arguments, QStringLiteral("query"));
+    const QString query = arguments.trimmed(u"query"_s);
     if (query.isEmpty())
-        return McpToolResult::failure(QStringLiteral("search needs a non-empty \"query\"."));
+        return McpToolResult::failure(u"search needs a non-empty \"query\"."_s);
 
-    const AgentView view(workspace);
+    const Visibility &view = context.visibility();
     SearchResults results;
-    forEachGatheredObject(workspace, [&](const LocatedObject &located) {
+    forEachGatheredObject(context.workspace(), [&](const LocatedObject &located) {
         const core::ContentObject &object = *located.object;
         if (!view.isVisible(object))
             return;
@@ -131,13 +133,13 @@ McpToolResult searchProject(Workspace &workspace, const QJsonObject &arguments)
             }
             const QString text = plainText(document->body());
             const qsizetype hit = text.indexOf(query, 0, Qt::CaseInsensitive);
-            const auto context = [&] {
+            const auto hitContext = [&] {
                 return hit < 0 ? QString() : contextAround(text, hit, query.size());
             };
             if (titleHit)
-                results.add(MatchRank::Title, located, context);
+                results.add(MatchRank::Title, located, hitContext);
             else if (hit >= 0)
-                results.add(MatchRank::Body, located, context);
+                results.add(MatchRank::Body, located, hitContext);
             return;
         }
         if (titleHit) {
@@ -148,7 +150,7 @@ McpToolResult searchProject(Workspace &workspace, const QJsonObject &arguments)
             for (const QString &alias : entity->aliases()) {
                 if (alias.contains(query, Qt::CaseInsensitive)) {
                     results.add(MatchRank::Alias, located,
-                                [&] { return QStringLiteral("alias '%1'").arg(alias); });
+                                [&] { return u"alias '%1'"_s.arg(alias); });
                     return;
                 }
             }

@@ -5,11 +5,13 @@
 #include <QHash>
 #include <QRegularExpression>
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 bool isRichText(const QString &body)
 {
-    return body.trimmed().startsWith(QStringLiteral("<!DOCTYPE"), Qt::CaseInsensitive);
+    return body.trimmed().startsWith(u"<!DOCTYPE"_s, Qt::CaseInsensitive);
 }
 
 QString plainText(const QString &body)
@@ -17,22 +19,23 @@ QString plainText(const QString &body)
     if (!isRichText(body))
         return body;
 
-    static const QRegularExpression hiddenElements(
-        QStringLiteral("<(head|style|script)\\b[^>]*>.*?</\\1>"),
-        QRegularExpression::CaseInsensitiveOption | QRegularExpression::DotMatchesEverythingOption);
-    static const QRegularExpression tags(QStringLiteral("<[^>]*>"));
+    static const QRegularExpression
+        hiddenElements(u"<(head|style|script)\\b[^>]*>.*?</\\1>"_s,
+                       QRegularExpression::CaseInsensitiveOption
+                           | QRegularExpression::DotMatchesEverythingOption);
+    static const QRegularExpression tags(u"<[^>]*>"_s);
 
     QString text = body;
-    text.replace(hiddenElements, QStringLiteral(" "));
-    text.replace(tags, QStringLiteral(" "));
+    text.replace(hiddenElements, u" "_s);
+    text.replace(tags, u" "_s);
     // "&amp;" goes last, so an escaped ampersand followed by the letters of another entity reads
     // as that entity's text, not as its character.
-    text.replace(QStringLiteral("&nbsp;"), QStringLiteral(" "));
-    text.replace(QStringLiteral("&lt;"), QStringLiteral("<"));
-    text.replace(QStringLiteral("&gt;"), QStringLiteral(">"));
-    text.replace(QStringLiteral("&quot;"), QStringLiteral("\""));
-    text.replace(QStringLiteral("&#39;"), QStringLiteral("'"));
-    text.replace(QStringLiteral("&amp;"), QStringLiteral("&"));
+    text.replace(u"&nbsp;"_s, u" "_s);
+    text.replace(u"&lt;"_s, u"<"_s);
+    text.replace(u"&gt;"_s, u">"_s);
+    text.replace(u"&quot;"_s, u"\""_s);
+    text.replace(u"&#39;"_s, u"'"_s);
+    text.replace(u"&amp;"_s, u"&"_s);
     return text.simplified();
 }
 

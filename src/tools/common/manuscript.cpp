@@ -3,12 +3,18 @@
 #include "core/document.h"
 #include "core/documenttree.h"
 #include "core/project.h"
+#include "storage/workspace.h"
+#include "tools/common/toolcontext.h"
+#include "tools/common/visibility.h"
 
 #include <QSet>
 
 namespace fb::app {
 
-std::vector<ManuscriptEntry> visibleManuscript(core::Project &project, const QUuid &root)
+namespace {
+
+template<typename IsShown>
+std::vector<ManuscriptEntry> manuscriptOf(core::Project &project, const QUuid &root, IsShown isShown)
 {
     const core::DocumentTree tree(project);
     std::vector<ManuscriptEntry> entries;
@@ -23,13 +29,29 @@ std::vector<ManuscriptEntry> visibleManuscript(core::Project &project, const QUu
     while (!stack.empty()) {
         const auto [document, depth] = stack.back();
         stack.pop_back();
-        if (visited.contains(document->id()) || document->isAiExcluded())
+        if (visited.contains(document->id()) || !isShown(*document))
             continue;
         visited.insert(document->id());
         entries.push_back({project.objectAs<core::Document>(document->id()), depth});
         pushChildren(document->id(), depth + 1);
     }
     return entries;
+}
+
+} // namespace
+
+std::vector<ManuscriptEntry> visibleManuscript(ToolContext &context, const QUuid &root)
+{
+    const Visibility &visibility = context.visibility();
+    return manuscriptOf(context.workspace().project(), root, [&](const core::Document &document) {
+        return visibility.isVisible(document);
+    });
+}
+
+std::vector<ManuscriptEntry> visibleManuscript(core::Project &project, const QUuid &root)
+{
+    return manuscriptOf(project, root,
+                        [](const core::Document &document) { return !document.isAiExcluded(); });
 }
 
 } // namespace fb::app

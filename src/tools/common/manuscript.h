@@ -11,6 +11,8 @@ class Project;
 
 namespace fb::app {
 
+class ToolContext;
+
 struct ManuscriptEntry
 {
     core::Document *document;
@@ -18,9 +20,12 @@ struct ManuscriptEntry
 };
 
 // The documents below root (the whole manuscript for the null id) that the agent may see, in
-// reading order: depth-first, a parent before its subtree, siblings in sibling order. An
-// AI-excluded document is left out with its whole subtree, and each document comes once even
+// reading order: depth-first, a parent before its subtree, siblings in sibling order. A document
+// withheld from the agent is left out with its whole subtree, and each document comes once even
 // when damaged data holds a parent loop.
+std::vector<ManuscriptEntry> visibleManuscript(ToolContext &context, const QUuid &root = QUuid());
+// The same for a project on its own (a mounted library's, which agent-facing code reaches through
+// the context): AI-excluded documents and their subtrees are left out.
 std::vector<ManuscriptEntry> visibleManuscript(core::Project &project, const QUuid &root = QUuid());
 
 } // namespace fb::app

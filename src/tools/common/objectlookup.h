@@ -14,6 +14,7 @@ class Task;
 
 namespace fb::app {
 
+class ToolContext;
 class Workspace;
 
 // What the agent asked for: a name (a title, or an entity's alias) or an id.
@@ -42,7 +43,7 @@ struct LocatedObject
 
 // The codex lookup: by id when one is given, else by title or entity alias, over the open
 // project and its mounted libraries. Names compare trimmed, lower-cased and whole.
-Result<LocatedObject> findObject(Workspace &workspace, const ObjectQuery &query);
+Result<LocatedObject> findObject(ToolContext &context, const ObjectQuery &query);
 
 // The refusal every writer gives for an object that lives in a mounted library.
 QString libraryRefusal(const LocatedObject &located);
@@ -60,32 +61,32 @@ void forEachGatheredObject(Workspace &workspace,
 
 // A title lookup restricted to one content type, over the open project only. Library objects
 // are never returned; a title that only a library holds is reported as living there.
-Result<core::ContentObject *> findByTitle(Workspace &workspace, core::ObjectType type,
-                                          const QString &title, const QString &noun,
-                                          bool forChange, bool lookInLibraries = true);
+Result<core::ContentObject *> findByTitle(ToolContext &context, core::ObjectType type,
+                                          const QString &title, const QString &noun, bool forChange,
+                                          bool lookInLibraries = true);
 
 template<typename T>
-Result<T *> findByTitle(Workspace &workspace, const QString &title, const QString &noun,
+Result<T *> findByTitle(ToolContext &context, const QString &title, const QString &noun,
                         bool forChange, bool lookInLibraries = true)
 {
-    const Result<core::ContentObject *> found =
-        findByTitle(workspace, T::staticType, title, noun, forChange, lookInLibraries);
+    const Result<core::ContentObject *> found = findByTitle(context, T::staticType, title, noun,
+                                                            forChange, lookInLibraries);
     if (!found)
         return Error{found.error()};
     return static_cast<T *>(*found);
 }
 
 // The title lookup of the planning and game-material tools, with its own ambiguity text.
-Result<core::ContentObject *> findPlanningObject(Workspace &workspace, core::ObjectType type,
+Result<core::ContentObject *> findPlanningObject(ToolContext &context, core::ObjectType type,
                                                  const QString &title, const QString &noun,
                                                  bool forChange);
 
 template<typename T>
-Result<T *> findPlanningObject(Workspace &workspace, const QString &title, const QString &noun,
+Result<T *> findPlanningObject(ToolContext &context, const QString &title, const QString &noun,
                                bool forChange)
 {
-    const Result<core::ContentObject *> found =
-        findPlanningObject(workspace, T::staticType, title, noun, forChange);
+    const Result<core::ContentObject *> found = findPlanningObject(context, T::staticType, title,
+                                                                   noun, forChange);
     if (!found)
         return Error{found.error()};
     return static_cast<T *>(*found);

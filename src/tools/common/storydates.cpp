@@ -3,13 +3,14 @@
 #include "core/calendar.h"
 #include "core/storytime.h"
 
+using namespace Qt::StringLiterals;
+
 namespace fb::app {
 
 QString dateNotUnderstoodMessage(const QString &text)
 {
-    return QStringLiteral("The date '%1' was not understood; use the project calendar (e.g. "
-                          "\"25 Harvestmoon 1250\" or \"1250\").")
-        .arg(text);
+    return u"The date '%1' was not understood; use the project calendar (e.g. "
+           "\"25 Harvestmoon 1250\" or \"1250\")."_s.arg(text);
 }
 
 Result<qint64> parseStoryDate(const core::Calendar &calendar, const QString &text)

@@ -1,33 +1,39 @@
 #pragma once
 
 #include "server/mcptoolresult.h"
+#include "tools/common/toolactions.h"
 
-#include <QJsonObject>
+namespace fb::core {
+class Document;
+}
 
 namespace fb::app {
 
-class McpChangeLog;
-class Workspace;
+class ToolArguments;
+class ToolContext;
 
 // The handlers of the manuscript tools; documenttools.cpp registers them.
 
-McpToolResult getManuscriptTree(Workspace &workspace);
-McpToolResult getDocument(Workspace &workspace, const QJsonObject &arguments);
+McpToolResult getManuscriptTree(ToolContext &context, const ToolArguments &arguments);
+McpToolResult getDocument(ToolContext &context, const ToolArguments &arguments);
 
-McpToolResult createDocument(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult updateDocument(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult appendToDocument(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
+McpToolResult createDocument(ToolContext &context, const ToolArguments &arguments);
+McpToolResult updateDocument(ToolContext &context, const ToolArguments &arguments);
+// Said when "word_count_target" is negative or not a whole number.
+QString badWordCountTarget();
+McpToolResult appendToDocument(ToolContext &context, const ToolArguments &arguments);
 
-McpToolResult findReplace(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
+McpToolResult findReplace(ToolContext &context, const ToolArguments &arguments);
 
-McpToolResult listFootnotes(Workspace &workspace, const QJsonObject &arguments);
-McpToolResult addFootnote(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult updateFootnote(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
-McpToolResult removeFootnote(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
+McpToolResult listFootnotes(ToolContext &context, const ToolArguments &arguments);
+McpToolResult addFootnote(ToolContext &context, const ToolArguments &arguments);
+McpToolResult updateFootnote(ToolContext &context, const ToolArguments &arguments);
+McpToolResult removeFootnote(ToolContext &context, const ToolArguments &arguments);
 
-McpToolResult getDocumentVersions(Workspace &workspace, const QJsonObject &arguments);
-McpToolResult snapshotDocumentVersion(Workspace &workspace, McpChangeLog &log,
-                                      const QJsonObject &arguments);
-McpToolResult manageVariants(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments);
+McpToolResult getDocumentVersions(ToolContext &context, const ToolArguments &arguments);
+McpToolResult snapshotDocumentVersion(ToolContext &context, const ToolArguments &arguments);
+McpToolResult manageVariants(ToolContext &context, const ToolArguments &arguments);
+// The actions of manage_variants, "list" first.
+const ToolActionTable<core::Document> &variantActions();
 
 } // namespace fb::app

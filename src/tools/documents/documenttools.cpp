@@ -1,235 +1,158 @@
+#include "tools/documents/documenthandlers.h"
 #include "tools/registration.h"
 
-#include "server/mcpserver.h"
-#include "tools/documents/documenthandlers.h"
+using namespace Qt::StringLiterals;
 
 namespace fb::app {
 
 namespace {
 
+const QStringList documentKinds{u"prose"_s, u"note"_s, u"screenplay"_s};
+
 // Every document tool addresses its document by "title", or by "id" when titles collide.
-ToolSchema addressedDocument()
+QList<ArgumentDeclaration> addressedDocument(QList<ArgumentDeclaration> more = {})
 {
-    return ToolSchema()
-        .string(QStringLiteral("title"), QStringLiteral("The document's title (case-insensitive)."))
-        .string(QStringLiteral("id"),
-                QStringLiteral("The document's id, to disambiguate when several documents share "
-                               "the title."));
-}
-
-McpToolDescriptor manuscriptTreeTool()
-{
-    return toolDescriptor(
-        QStringLiteral("get_manuscript_tree"),
-        QStringLiteral("Shows the manuscript's document tree in reading order, each document with "
-                       "its kind (prose/note/screenplay) and word count."));
-}
-
-McpToolDescriptor getDocumentTool()
-{
-    return toolDescriptor(
-        QStringLiteral("get_document"),
-        QStringLiteral("Reads one document: kind, status, point of view, synopsis, word count, and "
-                       "its body as Markdown. Address it by title (or by id when titles collide)."),
-        addressedDocument());
-}
-
-McpToolDescriptor createDocumentTool()
-{
-    return toolDescriptor(
-        QStringLiteral("create_document"),
-        QStringLiteral("Creates a document in the manuscript tree, appended after its siblings. "
-                       "Args: title (must be unique), optional kind/body/synopsis/parent."),
-        ToolSchema()
-            .string(QStringLiteral("title"), QStringLiteral("The new document's title."))
-            .required()
-            .string(QStringLiteral("kind"),
-                    QStringLiteral("Document kind: prose (default), note, or screenplay."))
-            .string(QStringLiteral("body"),
-                    QStringLiteral("Initial body as Markdown (Fountain for a screenplay)."))
-            .string(QStringLiteral("synopsis"),
-                    QStringLiteral("A short synopsis for the outline and corkboard."))
-            .string(QStringLiteral("parent"),
-                    QStringLiteral("Title of the parent document to nest under (omit for top level)."))
-            .string(QStringLiteral("parent_id"),
-                    QStringLiteral("Id of the parent document, when its title collides.")));
-}
-
-McpToolDescriptor updateDocumentTool()
-{
-    return toolDescriptor(
-        QStringLiteral("update_document"),
-        QStringLiteral("Sparse update of one document: only the keys you pass change (new_title, "
-                       "body, synopsis, status, point_of_view, word_count_target, kind, parent). "
-                       "Omitted keys stay untouched."),
-        addressedDocument()
-            .string(QStringLiteral("new_title"), QStringLiteral("Rename the document to this title."))
-            .string(QStringLiteral("body"),
-                    QStringLiteral("Replace the whole body with this Markdown (empty clears it)."))
-            .string(QStringLiteral("synopsis"), QStringLiteral("Replace the synopsis (empty clears it)."))
-            .string(QStringLiteral("status"),
-                    QStringLiteral("Workflow status shown in the outline/corkboard, e.g. \"Draft\", "
-                                   "\"Revised\", \"Final\" (empty clears it)."))
-            .string(QStringLiteral("point_of_view"),
-                    QStringLiteral("The scene's point-of-view label (empty clears it)."))
-            .integer(QStringLiteral("word_count_target"),
-                     QStringLiteral("A word-count writing goal for the document (0 clears the target)."))
-            .string(QStringLiteral("kind"), QStringLiteral("Change the kind: prose, note, or screenplay."))
-            .string(QStringLiteral("parent"),
-                    QStringLiteral("Move the document under this parent title; an empty string "
-                                   "moves it to the top level."))
-            .string(QStringLiteral("parent_id"),
-                    QStringLiteral("Move under this parent id, when the parent's title collides.")));
-}
-
-McpToolDescriptor appendToDocumentTool()
-{
-    return toolDescriptor(
-        QStringLiteral("append_to_document"),
-        QStringLiteral("Appends prose to the end of a document's body, preserving its stored format "
-                       "(use this to continue a chapter without resending the whole body)."),
-        addressedDocument()
-            .string(QStringLiteral("text"),
-                    QStringLiteral("The prose to add at the end of the body (Markdown)."))
-            .required());
-}
-
-McpToolDescriptor findReplaceTool()
-{
-    return toolDescriptor(
-        QStringLiteral("find_replace"),
-        QStringLiteral("Project-wide find & replace over document bodies (regex-capable). With "
-                       "dry_run or no replace it lists matches; a replace applies as one undo step."),
-        ToolSchema()
-            .string(QStringLiteral("find"),
-                    QStringLiteral("The text (or pattern, with regex) to search for."))
-            .required()
-            .string(QStringLiteral("replace"),
-                    QStringLiteral("The replacement text; \\1..\\9 expand regex capture groups. "
-                                   "Omit to only list matches."))
-            .boolean(QStringLiteral("regex"), QStringLiteral("Interpret find as a regular expression."))
-            .boolean(QStringLiteral("case_sensitive"),
-                     QStringLiteral("Match case exactly (default false)."))
-            .boolean(QStringLiteral("whole_word"),
-                     QStringLiteral("Match whole words only (ignored with regex; use \\b)."))
-            .boolean(QStringLiteral("dry_run"),
-                     QStringLiteral("List the matches without changing anything."))
-            .string(QStringLiteral("scope"),
-                    QStringLiteral("Title of a document to search only within (that document and "
-                                   "its subtree); omit to search the whole project."))
-            .string(QStringLiteral("scope_id"),
-                    QStringLiteral("Id form of scope, when its title collides.")));
-}
-
-McpToolDescriptor listFootnotesTool()
-{
-    return toolDescriptor(
-        QStringLiteral("list_footnotes"),
-        QStringLiteral("Lists a document's footnotes and endnotes in reader numbering (order of "
-                       "first [^id] reference in the body), plus any unreferenced definitions."),
-        addressedDocument());
-}
-
-McpToolDescriptor addFootnoteTool()
-{
-    return toolDescriptor(
-        QStringLiteral("add_footnote"),
-        QStringLiteral("Adds a footnote or endnote definition to a document. The inline [^id] "
-                       "reference goes in the body (write it with the body/append tools); this "
-                       "defines the note's text. A fresh definition is an orphan until the body "
-                       "cites [^id]."),
-        addressedDocument()
-            .string(QStringLiteral("text"), QStringLiteral("The note's content (Markdown)."))
-            .required()
-            .string(QStringLiteral("footnote_id"),
-                    QStringLiteral("An id for the [^id] reference; auto-generated when omitted."))
-            .boolean(QStringLiteral("endnote"),
-                     QStringLiteral("true to make it an endnote (collected at the end) rather than "
-                                    "a footnote.")));
-}
-
-McpToolDescriptor updateFootnoteTool()
-{
-    return toolDescriptor(
-        QStringLiteral("update_footnote"),
-        QStringLiteral("Edits an existing footnote definition's text and/or endnote flag, by id."),
-        addressedDocument()
-            .string(QStringLiteral("footnote_id"),
-                    QStringLiteral("The footnote's id (as shown by list_footnotes)."))
-            .required()
-            .string(QStringLiteral("text"), QStringLiteral("New content for the note (non-empty)."))
-            .boolean(QStringLiteral("endnote"), QStringLiteral("Set the endnote flag.")));
-}
-
-McpToolDescriptor removeFootnoteTool()
-{
-    return toolDescriptor(
-        QStringLiteral("remove_footnote"),
-        QStringLiteral("Deletes a footnote definition by id. Any [^id] marker left in the body is "
-                       "reported so it can be removed from the prose too."),
-        addressedDocument()
-            .string(QStringLiteral("footnote_id"), QStringLiteral("The footnote's id to remove."))
-            .required());
-}
-
-McpToolDescriptor documentVersionsTool()
-{
-    return toolDescriptor(
-        QStringLiteral("get_document_versions"),
-        QStringLiteral("Lists a document's saved version snapshots with labels and timestamps, "
-                       "oldest first."),
-        addressedDocument());
-}
-
-McpToolDescriptor snapshotVersionTool()
-{
-    return toolDescriptor(
-        QStringLiteral("snapshot_document_version"),
-        QStringLiteral("Saves a version snapshot of a document's current body, so the draft can "
-                       "later be compared against or restored in Fablery's Version History."),
-        addressedDocument().string(
-            QStringLiteral("label"),
-            QStringLiteral("A name for the snapshot (defaults to a timestamped label).")));
-}
-
-McpToolDescriptor manageVariantsTool()
-{
-    return toolDescriptor(
-        QStringLiteral("manage_variants"),
-        QStringLiteral("Manages a document's alternate ('what-if') drafts, distinct from version "
-                       "snapshots. action: list; create (branches a new draft from the current one "
-                       "and makes it active); switch (parks the live body and loads the named draft "
-                       "-- no draft is lost); rename (renames the active draft); delete (removes a "
-                       "named alternate, never the active one). Address drafts by name, which must "
-                       "stay unique."),
-        addressedDocument()
-            .string(QStringLiteral("action"),
-                    QStringLiteral("list (default), create, switch, rename, or delete."))
-            .string(QStringLiteral("name"),
-                    QStringLiteral("The draft name to create / switch to / delete (address "
-                                   "alternates by name)."))
-            .string(QStringLiteral("new_name"),
-                    QStringLiteral("The new name for the active draft (rename).")));
+    QList<ArgumentDeclaration> arguments{
+        optionalText(u"title"_s, u"The document's title (case-insensitive). Give the title or the "
+                                 "\"id\"."_s),
+        optionalText(u"id"_s, u"The document's id, to disambiguate when several documents share "
+                              "the title; used instead of the title when given."_s)};
+    arguments.append(more);
+    return arguments;
 }
 
 } // namespace
 
-void registerMcpDocumentTools(McpServer &server, Workspace &workspace, McpChangeLog &log)
+// The manuscript: reading and editing documents, find and replace, footnotes, versions and
+// alternate drafts.
+std::vector<ToolDefinition> documentTools()
 {
-    using Args = const QJsonObject &;
-    server.addTool(manuscriptTreeTool(), [&](Args) { return getManuscriptTree(workspace); });
-    server.addTool(getDocumentTool(), [&](Args a) { return getDocument(workspace, a); });
-    server.addTool(createDocumentTool(), [&](Args a) { return createDocument(workspace, log, a); });
-    server.addTool(updateDocumentTool(), [&](Args a) { return updateDocument(workspace, log, a); });
-    server.addTool(appendToDocumentTool(), [&](Args a) { return appendToDocument(workspace, log, a); });
-    server.addTool(findReplaceTool(), [&](Args a) { return findReplace(workspace, log, a); });
-    server.addTool(listFootnotesTool(), [&](Args a) { return listFootnotes(workspace, a); });
-    server.addTool(addFootnoteTool(), [&](Args a) { return addFootnote(workspace, log, a); });
-    server.addTool(updateFootnoteTool(), [&](Args a) { return updateFootnote(workspace, log, a); });
-    server.addTool(removeFootnoteTool(), [&](Args a) { return removeFootnote(workspace, log, a); });
-    server.addTool(documentVersionsTool(), [&](Args a) { return getDocumentVersions(workspace, a); });
-    server.addTool(snapshotVersionTool(), [&](Args a) { return snapshotDocumentVersion(workspace, log, a); });
-    server.addTool(manageVariantsTool(), [&](Args a) { return manageVariants(workspace, log, a); });
+    return {
+        {u"get_manuscript_tree"_s,
+         u"Shows the manuscript's document tree in reading order, each document with "
+         "its kind (prose/note/screenplay) and word count."_s,
+         {},
+         getManuscriptTree},
+        {u"get_document"_s,
+         u"Reads one document: kind, status, point of view, synopsis, word count, and "
+         "its body as Markdown. Address it by title (or by id when titles collide)."_s,
+         addressedDocument(), getDocument},
+        {u"create_document"_s,
+         u"Creates a document in the manuscript tree, appended after its siblings. "
+         "Args: title (must be unique), optional kind/body/synopsis/parent."_s,
+         {requiredText(u"title"_s, u"The new document's title."_s),
+          optionalChoice(u"kind"_s, u"Document kind: prose (default), note, or screenplay."_s,
+                         documentKinds),
+          optionalText(u"body"_s, u"Initial body as Markdown (Fountain for a screenplay)."_s),
+          optionalText(u"synopsis"_s, u"A short synopsis for the outline and corkboard."_s),
+          optionalText(u"parent"_s,
+                       u"Title of the parent document to nest under (omit for top level)."_s),
+          optionalText(u"parent_id"_s, u"Id of the parent document, when its title collides."_s)},
+         createDocument},
+        {u"update_document"_s,
+         u"Sparse update of one document: only the keys you pass change (new_title, "
+         "body, synopsis, status, point_of_view, word_count_target, kind, parent). "
+         "Omitted keys stay untouched."_s,
+         addressedDocument(
+             {optionalText(u"new_title"_s, u"Rename the document to this title."_s),
+              optionalText(u"body"_s,
+                           u"Replace the whole body with this Markdown (empty clears it)."_s),
+              optionalText(u"synopsis"_s, u"Replace the synopsis (empty clears it)."_s),
+              optionalText(u"status"_s,
+                           u"Workflow status shown in the outline/corkboard, e.g. \"Draft\", "
+                           "\"Revised\", \"Final\" (empty clears it)."_s),
+              optionalText(u"point_of_view"_s,
+                           u"The scene's point-of-view label (empty clears it)."_s),
+              withTypeRefusal(
+                  optionalInteger(
+                      u"word_count_target"_s,
+                      u"A word-count writing goal for the document (0 clears the target)."_s),
+                  badWordCountTarget()),
+              optionalChoice(u"kind"_s, u"Change the kind: prose, note, or screenplay."_s,
+                             documentKinds),
+              optionalText(u"parent"_s,
+                           u"Move the document under this parent title; an empty string "
+                           "moves it to the top level."_s),
+              optionalText(u"parent_id"_s,
+                           u"Move under this parent id, when the parent's title collides."_s)}),
+         updateDocument},
+        {u"append_to_document"_s,
+         u"Appends prose to the end of a document's body, preserving its stored format "
+         "(use this to continue a chapter without resending the whole body)."_s,
+         addressedDocument(
+             {requiredText(u"text"_s, u"The prose to add at the end of the body (Markdown)."_s)}),
+         appendToDocument},
+        {u"find_replace"_s,
+         u"Project-wide find & replace over document bodies (regex-capable). With "
+         "dry_run or no replace it lists matches; a replace applies as one undo step."_s,
+         {requiredText(u"find"_s, u"The text (or pattern, with regex) to search for."_s),
+          optionalText(u"replace"_s, u"The replacement text; \\1..\\9 expand regex capture groups. "
+                                     "Omit to only list matches."_s),
+          optionalBool(u"regex"_s, u"Interpret find as a regular expression."_s),
+          optionalBool(u"case_sensitive"_s, u"Match case exactly (default false)."_s),
+          optionalBool(u"whole_word"_s, u"Match whole words only (ignored with regex; use \\b)."_s),
+          optionalBool(u"dry_run"_s, u"List the matches without changing anything."_s),
+          optionalText(u"scope"_s, u"Title of a document to search only within (that document and "
+                                   "its subtree); omit to search the whole project."_s),
+          optionalText(u"scope_id"_s, u"Id form of scope, when its title collides."_s)},
+         findReplace},
+        {u"list_footnotes"_s,
+         u"Lists a document's footnotes and endnotes in reader numbering (order of "
+         "first [^id] reference in the body), plus any unreferenced definitions."_s,
+         addressedDocument(), listFootnotes},
+        {u"add_footnote"_s,
+         u"Adds a footnote or endnote definition to a document. The inline [^id] "
+         "reference goes in the body (write it with the body/append tools); this "
+         "defines the note's text. A fresh definition is an orphan until the body "
+         "cites [^id]."_s,
+         addressedDocument(
+             {requiredText(u"text"_s, u"The note's content (Markdown)."_s),
+              optionalText(u"footnote_id"_s,
+                           u"An id for the [^id] reference; auto-generated when omitted."_s),
+              optionalBool(u"endnote"_s,
+                           u"true to make it an endnote (collected at the end) rather than "
+                           "a footnote."_s)}),
+         addFootnote},
+        {u"update_footnote"_s,
+         u"Edits an existing footnote definition's text and/or endnote flag, by id."_s,
+         addressedDocument(
+             {requiredText(u"footnote_id"_s,
+                           u"The footnote's id (as shown by list_footnotes, with or without "
+                           "the [^ ] around it)."_s),
+              optionalText(u"text"_s, u"New content for the note (non-empty)."_s),
+              optionalBool(u"endnote"_s, u"Set the endnote flag."_s)}),
+         updateFootnote},
+        {u"remove_footnote"_s,
+         u"Deletes a footnote definition by id. Any [^id] marker left in the body is "
+         "reported so it can be removed from the prose too."_s,
+         addressedDocument({requiredText(u"footnote_id"_s, u"The footnote's id to remove."_s)}),
+         removeFootnote},
+        {u"get_document_versions"_s,
+         u"Lists a document's saved version snapshots with labels and timestamps, "
+         "oldest first."_s,
+         addressedDocument(), getDocumentVersions},
+        {u"snapshot_document_version"_s,
+         u"Saves a version snapshot of a document's current body, so the draft can "
+         "later be compared against or restored in Fablery's Version History."_s,
+         addressedDocument(
+             {optionalText(u"label"_s,
+                           u"A name for the snapshot (defaults to a timestamped label)."_s)}),
+         snapshotDocumentVersion},
+        {u"manage_variants"_s,
+         u"Manages a document's alternate ('what-if') drafts, distinct from version "
+         "snapshots. action: list; create (branches a new draft from the current one "
+         "and makes it active); switch (parks the live body and loads the named draft "
+         "-- no draft is lost); rename (renames the active draft); delete (removes a "
+         "named alternate, never the active one). Address drafts by name, which must "
+         "stay unique."_s,
+         addressedDocument(
+             {optionalChoice(u"action"_s, u"list (default), create, switch, rename, or delete."_s,
+                             actionNames(variantActions())),
+              optionalText(u"name"_s, u"The draft name to create / switch to / delete (address "
+                                      "alternates by name)."_s),
+              optionalText(u"new_name"_s, u"The new name for the active draft (rename)."_s)}),
+         manageVariants},
+    };
 }
 
 } // namespace fb::app

@@ -1,18 +1,20 @@
-#include "tools/documents/documenthandlers.h"
-
 #include "core/commands/command.h"
 #include "core/commands/documentcommands.h"
 #include "core/document.h"
 #include "core/project.h"
-#include "storage/applylogsave.h"
 #include "storage/workspace.h"
-#include "tools/common/arguments.h"
 #include "tools/common/bodytext.h"
+#include "tools/common/change.h"
 #include "tools/common/documentlookup.h"
 #include "tools/common/manuscript.h"
+#include "tools/common/toolarguments.h"
+#include "tools/common/toolcontext.h"
+#include "tools/documents/documenthandlers.h"
 
 #include <QRegularExpression>
 #include <QStringList>
+
+using namespace Qt::StringLiterals;
 
 namespace fb::app {
 
@@ -31,7 +33,7 @@ QString lineAround(const QString &text, qsizetype position)
         end = text.size();
     QString line = text.mid(start, end - start).trimmed();
     if (line.size() > longestListedLine)
-        line = line.left(longestListedLine - 3) + QStringLiteral("...");
+        line = line.left(longestListedLine - 3) + u"..."_s;
     return line;
 }
 
@@ -97,21 +99,21 @@ int countMatches(const QString &text, const QRegularExpression &pattern)
     return count;
 }
 
-Result<QRegularExpression> buildPattern(const QJsonObject &arguments)
+Result<QRegularExpression> buildPattern(const ToolArguments &arguments)
 {
-    const QString find = stringArgument(arguments, QStringLiteral("find"));
+    const QString find = arguments.text(u"find"_s);
     if (find.isEmpty())
-        return makeError(QStringLiteral("find_replace needs non-empty \"find\" text."));
-    const bool regex = boolArgument(arguments, QStringLiteral("regex"));
+        return makeError(u"find_replace needs non-empty \"find\" text."_s);
+    const bool regex = arguments.boolean(u"regex"_s);
     QString pattern = regex ? find : QRegularExpression::escape(find);
-    if (boolArgument(arguments, QStringLiteral("whole_word")) && !regex)
-        pattern = QStringLiteral("\\b") + pattern + QStringLiteral("\\b");
-    QRegularExpression expression(pattern, boolArgument(arguments, QStringLiteral("case_sensitive"))
+    if (arguments.boolean(u"whole_word"_s) && !regex)
+        pattern = u"\\b"_s + pattern + u"\\b"_s;
+    QRegularExpression expression(pattern, arguments.boolean(u"case_sensitive"_s)
                                                ? QRegularExpression::NoPatternOption
                                                : QRegularExpression::CaseInsensitiveOption);
     if (!expression.isValid()) {
-        return makeError(QStringLiteral("'%1' is not a valid regular expression: %2")
-                             .arg(find, expression.errorString()));
+        return makeError(
+            u"'%1' is not a valid regular expression: %2"_s.arg(find, expression.errorString()));
     }
     expression.optimize();
     return expression;
@@ -120,16 +122,16 @@ Result<QRegularExpression> buildPattern(const QJsonObject &arguments)
 // The documents searched, in reading order: the scope document and its subtree, or the whole
 // manuscript. AI-excluded documents are skipped silently, with their subtrees, as everywhere
 // the manuscript is shown.
-Result<std::vector<core::Document *>> searchedDocuments(core::Project &project,
-                                                        const QJsonObject &arguments)
+Result<std::vector<core::Document *>> searchedDocuments(ToolContext &context,
+                                                        const ToolArguments &arguments)
 {
-    const QString scopeTitle = stringArgument(arguments, QStringLiteral("scope"));
-    const QString scopeId = stringArgument(arguments, QStringLiteral("scope_id"));
+    const QString scopeTitle = arguments.text(u"scope"_s);
+    const QString scopeId = arguments.text(u"scope_id"_s);
     QUuid root;
     core::Document *scope = nullptr;
     if (!scopeTitle.isEmpty() || !scopeId.isEmpty()) {
-        const Result<core::Document *> resolved =
-            resolveDocument(project, scopeTitle, scopeId, QStringLiteral("scope \"scope\""));
+        const Result<core::Document *> resolved = resolveDocument(context, scopeTitle, scopeId,
+                                                                  u"scope \"scope\""_s);
         if (!resolved)
             return makeError(resolved.error());
         scope = *resolved;
@@ -138,7 +140,7 @@ Result<std::vector<core::Document *>> searchedDocuments(core::Project &project,
     std::vector<core::Document *> documents;
     if (scope)
         documents.push_back(scope);
-    for (const ManuscriptEntry &entry : visibleManuscript(project, root))
+    for (const ManuscriptEntry &entry : visibleManuscript(context, root))
         documents.push_back(entry.document);
     return documents;
 }
@@ -159,44 +161,43 @@ McpToolResult listMatches(const std::vector<core::Document *> &documents,
             if (match.capturedLength() < 1)
                 continue;
             if (++count <= listedMatchesPerDocument)
-                matchLines.append(QStringLiteral("  - %1").arg(lineAround(text, match.capturedStart())));
+                matchLines.append(u"  - %1"_s.arg(lineAround(text, match.capturedStart())));
         }
         if (count == 0)
             continue;
         ++matchingDocuments;
         total += count;
-        lines.append(QStringLiteral("**%1** (%2 match(es))").arg(document->title(), QString::number(count)));
+        lines.append(u"**%1** (%2 match(es))"_s.arg(document->title(), QString::number(count)));
         lines.append(matchLines);
         if (count > listedMatchesPerDocument)
-            lines.append(QStringLiteral("  - ...and %1 more").arg(count - listedMatchesPerDocument));
+            lines.append(u"  - ...and %1 more"_s.arg(count - listedMatchesPerDocument));
     }
     if (total == 0)
-        return McpToolResult::success(QStringLiteral("No matches for '%1'.").arg(find));
-    return McpToolResult::success(QStringLiteral("Found %1 match(es) in %2 document(s):\n%3")
-                                      .arg(QString::number(total), QString::number(matchingDocuments),
-                                           lines.join(u'\n')));
+        return McpToolResult::success(u"No matches for '%1'."_s.arg(find));
+    return McpToolResult::success(
+        u"Found %1 match(es) in %2 document(s):\n%3"_s.arg(QString::number(total),
+                                                           QString::number(matchingDocuments),
+                                                           lines.join(u'\n')));
 }
 
 } // namespace
 
-McpToolResult findReplace(Workspace &workspace, McpChangeLog &log, const QJsonObject &arguments)
+McpToolResult findReplace(ToolContext &context, const ToolArguments &arguments)
 {
     const Result<QRegularExpression> pattern = buildPattern(arguments);
     if (!pattern)
         return McpToolResult::failure(pattern.error());
-    const Result<std::vector<core::Document *>> documents =
-        searchedDocuments(workspace.project(), arguments);
+    const Result<std::vector<core::Document *>> documents = searchedDocuments(context, arguments);
     if (!documents)
         return McpToolResult::failure(documents.error());
 
-    const QString find = stringArgument(arguments, QStringLiteral("find"));
-    const bool listOnly = boolArgument(arguments, QStringLiteral("dry_run"))
-                          || !hasArgument(arguments, QStringLiteral("replace"));
+    const QString find = arguments.text(u"find"_s);
+    const bool listOnly = arguments.boolean(u"dry_run"_s) || !arguments.has(u"replace"_s);
     if (listOnly)
         return listMatches(*documents, *pattern, find);
 
-    const QString replacement = stringArgument(arguments, QStringLiteral("replace"));
-    auto change = std::make_unique<core::CompositeCommand>(QStringLiteral("MCP: find_replace"));
+    const QString replacement = arguments.text(u"replace"_s);
+    auto change = std::make_unique<core::CompositeCommand>(u"MCP: find_replace"_s);
     QStringList edited;
     QStringList richText;
     int replacedTotal = 0;
@@ -206,7 +207,8 @@ McpToolResult findReplace(Workspace &workspace, McpChangeLog &log, const QJsonOb
             // Rewriting HTML by pattern could break its markup; such bodies are only counted.
             const int count = countMatches(plainText(document->body()), *pattern);
             if (count > 0) {
-                richText.append(QStringLiteral("'%1' (%2 match(es))").arg(document->title(), QString::number(count)));
+                richText.append(
+                    u"'%1' (%2 match(es))"_s.arg(document->title(), QString::number(count)));
                 richTextTotal += count;
             }
             continue;
@@ -215,28 +217,28 @@ McpToolResult findReplace(Workspace &workspace, McpChangeLog &log, const QJsonOb
         if (replaced.count < 1)
             continue;
         change->append(std::make_unique<core::SetDocumentBodyCommand>(*document, replaced.body));
-        edited.append(QStringLiteral("'%1' (%2)").arg(document->title(), QString::number(replaced.count)));
+        edited.append(u"'%1' (%2)"_s.arg(document->title(), QString::number(replaced.count)));
         replacedTotal += replaced.count;
     }
 
     if (change->isEmpty()) {
         if (richTextTotal < 1)
-            return McpToolResult::success(QStringLiteral("No matches for '%1'; nothing changed.").arg(find));
+            return McpToolResult::success(u"No matches for '%1'; nothing changed."_s.arg(find));
         return McpToolResult::success(
-            QStringLiteral("All %1 match(es) of '%2' are in rich-text document(s) (%3), which cannot "
-                           "be rewritten by pattern safely; nothing was changed. Replace those bodies "
-                           "wholesale with update_document instead.")
-                .arg(QString::number(richTextTotal), find, richText.join(QStringLiteral(", "))));
+            u"All %1 match(es) of '%2' are in rich-text document(s) (%3), which cannot "
+            "be rewritten by pattern safely; nothing was changed. Replace those bodies "
+            "wholesale with update_document instead."_s.arg(QString::number(richTextTotal), find,
+                                                            richText.join(u", "_s)));
     }
-    QString summary = QStringLiteral("Replaced %1 match(es) of '%2' across %3 document(s): %4.")
+    QString summary = u"Replaced %1 match(es) of '%2' across %3 document(s): %4."_s
                           .arg(QString::number(replacedTotal), find, QString::number(edited.size()),
-                               edited.join(QStringLiteral(", ")));
+                               edited.join(u", "_s));
     if (!richText.isEmpty()) {
-        summary += QStringLiteral(" %1 match(es) in rich-text document(s) were left unchanged: %2; "
-                                  "replace those bodies wholesale with update_document.")
-                       .arg(QString::number(richTextTotal), richText.join(QStringLiteral(", ")));
+        summary += u" %1 match(es) in rich-text document(s) were left unchanged: %2; "
+                   "replace those bodies wholesale with update_document."_s
+                       .arg(QString::number(richTextTotal), richText.join(u", "_s));
     }
-    return applyChange(workspace, log, std::move(change), summary);
+    return applyChange(context, std::move(change), summary);
 }
 
 } // namespace fb::app

@@ -37,13 +37,8 @@ TEST(CategoryTree, TreeOrderWalksParentsBeforeChildrenInNameOrder)
     for (const CategoryTree::TreeEntry &entry : tree.treeOrder())
         lines.append(QString(entry.depth * 2, u' ') + entry.category->name());
     ASSERT_EQ(lines.size(), 8);
-    EXPECT_EQ(lines.mid(0, 6),
-              QStringList({u"Characters"_s,
-                           u"  heroes"_s,
-                           u"  Villains"_s,
-                           u"places"_s,
-                           u"  Cities"_s,
-                           u"Stray"_s}));
+    EXPECT_EQ(lines.mid(0, 6), QStringList({u"Characters"_s, u"  heroes"_s, u"  Villains"_s,
+                                            u"places"_s, u"  Cities"_s, u"Stray"_s}));
     EXPECT_TRUE(lines.contains(u"Loop A"_s) || lines.contains(u"  Loop A"_s));
     EXPECT_EQ(tree.children(QUuid()).size(), 3u);
     EXPECT_EQ(tree.ancestors(loopA).size(), 1u);

@@ -3,9 +3,9 @@
 #include "core/contentobjects.h"
 #include "core/project.h"
 
-#include <gtest/gtest.h>
-
 #include <QByteArray>
+
+#include <gtest/gtest.h>
 
 // A field definition with the given key, label and type and every other member at its default.
 fb::core::FieldDefinition fieldDefinition(const QString &key, const QString &label,

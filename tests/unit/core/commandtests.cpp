@@ -1,5 +1,4 @@
 #include "commandfixture.h"
-
 #include "core/commands/canvascommands.h"
 #include "core/commands/categorycommands.h"
 #include "core/commands/commentcommands.h"
@@ -11,7 +10,6 @@
 #include "core/commands/structuralcommands.h"
 #include "core/commands/taskcommands.h"
 #include "core/commands/worldcommands.h"
-
 #include "support/printers.h"
 
 using namespace Qt::StringLiterals;
@@ -68,9 +66,8 @@ TEST_F(CommandTest, UndoRedoUndoRestoresTheSameStateEachTime)
         {"plot threads", std::make_unique<SetPlotThreadsCommand>(project, threads)},
         {"language", std::make_unique<SetLanguageCommand>(project, language->id(), words)},
         {"map pins", std::make_unique<SetMapPinsCommand>(project, map->id(), QList<MapPin>())},
-        {"cleared cell",
-         std::make_unique<SetSpreadsheetCellCommand>(project, sheet->id(), CellAddress(),
-                                                     QString())},
+        {"cleared cell", std::make_unique<SetSpreadsheetCellCommand>(project, sheet->id(),
+                                                                     CellAddress(), QString())},
         {"comment", std::make_unique<SetCommentCommand>(project, comment->id(), resolved)},
         {"removed card",
          std::make_unique<RemoveCanvasCardCommand>(project, canvas->id(), firstCard)},
@@ -118,8 +115,7 @@ TEST_F(CommandTest, ACommandWhoseTargetIsGoneOrOfAnotherTypeDoesNothing)
         {"field value", std::make_unique<SetFieldValueCommand>(project, gone, u"age"_s, u"3"_s)},
         {"entity name on a document",
          std::make_unique<SetEntityNameCommand>(project, document, u"X"_s)},
-        {"chart on a document",
-         std::make_unique<SetChartCommand>(project, document, ChartRecord())},
+        {"chart on a document", std::make_unique<SetChartCommand>(project, document, ChartRecord())},
         {"audiences", std::make_unique<SetAudiencesCommand>(project, gone, QStringList{u"New"_s})},
         {"pin", std::make_unique<SetPinnedCommand>(project, gone, true)},
         {"cell", std::make_unique<SetSpreadsheetCellCommand>(project, gone, CellAddress(), u"x"_s)},
@@ -128,8 +124,7 @@ TEST_F(CommandTest, ACommandWhoseTargetIsGoneOrOfAnotherTypeDoesNothing)
         {"connection",
          std::make_unique<AddCanvasConnectionCommand>(project, gone, CanvasConnection())},
         {"category rename", std::make_unique<RenameCategoryCommand>(project, gone, u"X"_s)},
-        {"field",
-         std::make_unique<AddFieldCommand>(project, gone, fieldDefinition(u"x"_s, u"X"_s))},
+        {"field", std::make_unique<AddFieldCommand>(project, gone, fieldDefinition(u"x"_s, u"X"_s))},
         {"object removal", std::make_unique<RemoveObjectCommand>(project, gone)},
         {"document move", std::make_unique<MoveDocumentCommand>(project, gone, QUuid(), 0)},
     };

@@ -45,8 +45,8 @@ TEST(ContentObject, AudienceAndTagSetsAreKeptSortedWithoutRepeats)
 TEST(Task, NewTaskIsOnTheTasksBoardInToDoWithNormalPriorityAndNoDueDate)
 {
     const Task titled(u"Send query letters"_s);
-    const std::unique_ptr<const ContentObject> created
-        = createContentObject(ObjectType::Task, QUuid::createUuid());
+    const std::unique_ptr<const ContentObject> created = createContentObject(ObjectType::Task,
+                                                                             QUuid::createUuid());
     for (const Task *task : {&titled, objectCast<Task>(created.get())}) {
         ASSERT_NE(task, nullptr);
         EXPECT_EQ(task->board(), u"Tasks"_s);
@@ -134,103 +134,47 @@ TEST(ContentObject, EverySetterStampsANewRevision)
         std::function<void()> change;
     };
     const Case cases[] = {
-        {"tags",
-         &document,
-         [&] {
-             document.setTags({u"draft"_s});
-         }},
-        {"visibility",
-         &document,
-         [&] {
-             document.setVisibleTo({u"Editor"_s});
-         }},
-        {"AI exclusion",
-         &document,
-         [&] {
-             document.setAiExcluded(true);
-         }},
-        {"preserved keys",
-         &document,
+        {"tags", &document, [&] { document.setTags({u"draft"_s}); }},
+        {"visibility", &document, [&] { document.setVisibleTo({u"Editor"_s}); }},
+        {"AI exclusion", &document, [&] { document.setAiExcluded(true); }},
+        {"preserved keys", &document,
          [&] {
              document.setPreservedProperties({{u"x"_s, 1}});
          }},
-        {"body",
-         &document,
-         [&] {
-             document.setBody(u"Once."_s);
-         }},
-        {"same value again",
-         &document,
-         [&] {
-             document.setBody(u"Once."_s);
-         }},
-        {"footnotes",
-         &document,
+        {"body", &document, [&] { document.setBody(u"Once."_s); }},
+        {"same value again", &document, [&] { document.setBody(u"Once."_s); }},
+        {"footnotes", &document,
          [&] {
              document.setFootnotes({{u"fn1"_s, u"See."_s, false}});
          }},
-        {"entity lifespan",
-         &entity,
-         [&] {
-             entity.setBirthInstant(1440);
-         }},
-        {"cell",
-         &sheet,
+        {"entity lifespan", &entity, [&] { entity.setBirthInstant(1440); }},
+        {"cell", &sheet,
          [&] {
              sheet.setCellText({1, 2}, u"=A1"_s);
          }},
-        {"chart record",
-         &chart,
-         [&] {
-             chart.setRecord({});
-         }},
-        {"map pins",
-         &map,
-         [&] {
-             map.setPins({MapPin{}});
-         }},
-        {"event constraints",
-         &event,
+        {"chart record", &chart, [&] { chart.setRecord({}); }},
+        {"map pins", &map, [&] { map.setPins({MapPin{}}); }},
+        {"event constraints", &event,
          [&] {
              event.setConstraints({{QUuid(), u"before"_s}});
          }},
-        {"caption",
-         &media,
-         [&] {
-             media.setCaption(u"Dawn"_s);
-         }},
-        {"source fields",
-         &source,
+        {"caption", &media, [&] { media.setCaption(u"Dawn"_s); }},
+        {"source fields", &source,
          [&] {
              source.setFields({{u"author"_s, u"Fostiom"_s}});
          }},
-        {"submission",
-         &task,
-         [&] {
-             task.setSubmission({});
-         }},
-        {"cards",
-         &canvas,
-         [&] {
-             canvas.setCards({CanvasCard{}});
-         }},
-        {"resolved",
-         &comment,
-         [&] {
-             comment.setResolved(true);
-         }},
-        {"lexicon",
-         &language,
+        {"submission", &task, [&] { task.setSubmission({}); }},
+        {"cards", &canvas, [&] { canvas.setCards({CanvasCard{}}); }},
+        {"resolved", &comment, [&] { comment.setResolved(true); }},
+        {"lexicon", &language,
          [&] {
              language.setLexicon({{u"ka"_s, u"sun"_s, {}, {}}});
          }},
-        {"entries",
-         &table,
+        {"entries", &table,
          [&] {
              table.setEntries({{u"Wolves"_s, 2}});
          }},
-        {"stats",
-         &block,
+        {"stats", &block,
          [&] {
              block.setStats({{u"STR"_s, u"18"_s}});
          }},

@@ -14,21 +14,10 @@ using namespace fb::core;
 
 TEST(Enumerations, TypeNamesMapToTheirCodesAndBack)
 {
-    const QStringList expected{u"document"_s,
-                               u"entity"_s,
-                               u"spreadsheet"_s,
-                               u"chart"_s,
-                               u"map"_s,
-                               u"timeline"_s,
-                               u"timeline_event"_s,
-                               u"media"_s,
-                               u"source"_s,
-                               u"task"_s,
-                               u"canvas"_s,
-                               u"comment"_s,
-                               u"language"_s,
-                               u"random_table"_s,
-                               u"stat_block"_s};
+    const QStringList expected{u"document"_s, u"entity"_s,       u"spreadsheet"_s,    u"chart"_s,
+                               u"map"_s,      u"timeline"_s,     u"timeline_event"_s, u"media"_s,
+                               u"source"_s,   u"task"_s,         u"canvas"_s,         u"comment"_s,
+                               u"language"_s, u"random_table"_s, u"stat_block"_s};
     for (qint32 code = 0; code < expected.size(); ++code) {
         SCOPED_TRACE(code);
         const auto type = static_cast<ObjectType>(code);
@@ -51,14 +40,10 @@ TEST(Enumerations, OnlyTheExactLowerCaseKindNamesMap)
         std::optional<DocumentKind> kind;
     };
     const Case cases[] = {
-        {u"prose"_s, DocumentKind::Prose},
-        {u"screenplay"_s, DocumentKind::Screenplay},
-        {u"note"_s, DocumentKind::Note},
-        {u"Prose"_s, std::nullopt},
-        {u"NOTE"_s, std::nullopt},
-        {u"screenPlay"_s, std::nullopt},
-        {u" prose"_s, std::nullopt},
-        {u"notes"_s, std::nullopt},
+        {u"prose"_s, DocumentKind::Prose}, {u"screenplay"_s, DocumentKind::Screenplay},
+        {u"note"_s, DocumentKind::Note},   {u"Prose"_s, std::nullopt},
+        {u"NOTE"_s, std::nullopt},         {u"screenPlay"_s, std::nullopt},
+        {u" prose"_s, std::nullopt},       {u"notes"_s, std::nullopt},
         {QString(), std::nullopt},
     };
     for (const Case &c : cases) {
@@ -89,8 +74,7 @@ TEST(Enumerations, EveryTableListsItsStoredNamesInCodeOrder)
         {"priority", enumNames<TaskPriority>(), u"low normal high urgent"_s},
         {"submission", enumNames<SubmissionKind>(), u"agent publisher magazine contest other"_s},
         {"field type", enumNames<FieldType>(), u"text number boolean date reference choice url"_s},
-        {"source kind",
-         enumNames<SourceKind>(),
+        {"source kind", enumNames<SourceKind>(),
          u"book chapter article-journal article-magazine article-newspaper webpage report "
          u"thesis paper-conference manuscript other"_s},
         {"chart kind", enumNames<ChartKind>(), u"bar line area pie scatter"_s},
@@ -98,8 +82,7 @@ TEST(Enumerations, EveryTableListsItsStoredNamesInCodeOrder)
         {"constraint kind", enumNames<ConstraintKind>(), u"before after during same_time"_s},
         {"comparison", enumNames<RuleComparison>(), u"equals notEquals"_s},
         {"alignment", enumNames<CellAlignment>(), u"default left center right"_s},
-        {"number format",
-         enumNames<NumberFormat>(),
+        {"number format", enumNames<NumberFormat>(),
          u"general number currency percent scientific"_s},
     };
     for (const Case &c : cases) {

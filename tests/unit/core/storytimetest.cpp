@@ -1,11 +1,14 @@
-#include "core/calendar.h"
 #include "core/storytime.h"
+
+#include "core/calendar.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 #include <optional>
 #include <vector>
+
+using namespace Qt::StringLiterals;
 
 using namespace fb::core;
 
@@ -26,22 +29,17 @@ Calendar calendarOf(QList<CalendarMonth> months, QString era = {})
 
 const Calendar gregorian = Calendar::defaultCalendar();
 // "harv" names one month, "Har" two.
-const Calendar harvest = calendarOf({{QStringLiteral("Thawing"), 30},
-                                     {QStringLiteral("Harvestmoon"), 30},
-                                     {QStringLiteral("Harrowing"), 30},
-                                     {QStringLiteral("Frostfall"), 28}},
-                                    QStringLiteral("AR"));
+const Calendar harvest = calendarOf({{u"Thawing"_s, 30},
+                                     {u"Harvestmoon"_s, 30},
+                                     {u"Harrowing"_s, 30},
+                                     {u"Frostfall"_s, 28}},
+                                    u"AR"_s);
 const Calendar empty;
-const Calendar endless = calendarOf({{QStringLiteral("Long"), std::numeric_limits<qint32>::max()}});
-const Calendar damaged = calendarOf({{QStringLiteral("A"), 3},
-                                     {QStringLiteral("B"), -1},
-                                     {QStringLiteral("C"), 0},
-                                     {QStringLiteral("D"), 2}});
-const Calendar oneDay = calendarOf({{QStringLiteral("One"), 1}});
-const Calendar spoken =
-    calendarOf({{QStringLiteral("Deep Winter"), 40}, {QStringLiteral("Deep"), 10},
-                {QStringLiteral("Year End"), 5}},
-               QStringLiteral("Third Age"));
+const Calendar endless = calendarOf({{u"Long"_s, std::numeric_limits<qint32>::max()}});
+const Calendar damaged = calendarOf({{u"A"_s, 3}, {u"B"_s, -1}, {u"C"_s, 0}, {u"D"_s, 2}});
+const Calendar oneDay = calendarOf({{u"One"_s, 1}});
+const Calendar spoken = calendarOf({{u"Deep Winter"_s, 40}, {u"Deep"_s, 10}, {u"Year End"_s, 5}},
+                                   u"Third Age"_s);
 
 std::optional<qint64> at(const Calendar &calendar, BrokenDownDate date)
 {
@@ -106,16 +104,10 @@ TEST(StoryTime, ComposesDatesAndRefusesInstantsBeyondRange)
         {"smallest instant", gregorian, {-17548272520652, 11, 3, 5, 52}, int64Min},
         {"largest instant", gregorian, {17548272520653, 2, 28, 18, 7}, int64Max},
         {"one minute past the largest", gregorian, {17548272520653, 2, 28, 18, 8}, std::nullopt},
-        {"one minute before the smallest",
-         gregorian,
-         {-17548272520652, 11, 3, 5, 51},
-         std::nullopt},
+        {"one minute before the smallest", gregorian, {-17548272520652, 11, 3, 5, 51}, std::nullopt},
         {"smallest year", gregorian, {int64Min, 1, 1, 0, 0}, std::nullopt},
         {"any year of an empty calendar", empty, {int64Min, 1, 1, 2, 0}, 120},
-        {"last year of long months",
-         endless,
-         {2982617, 1, 1, 0, 0},
-         qint64(6405119085280552) * day},
+        {"last year of long months", endless, {2982617, 1, 1, 0, 0}, qint64(6405119085280552) * day},
         {"first year beyond range", endless, {2982618, 1, 1, 0, 0}, std::nullopt},
         {"a parsed year of long months", endless, {1'000'000'000'000, 1, 1, 0, 0}, std::nullopt},
     };
@@ -133,17 +125,15 @@ TEST(StoryTime, FormatsDayMonthYearEraAndTime)
         qint64 instant;
         QString expected;
     } cases[] = {
-        {gregorian, 0, QStringLiteral("1 January, Year 1")},
-        {gregorian, -1, QStringLiteral("31 December, Year 0, 23:59")},
-        {gregorian, year365, QStringLiteral("1 January, Year 2")},
-        {gregorian, 9 * 60 + 5, QStringLiteral("1 January, Year 1, 09:05")},
-        {gregorian, 30, QStringLiteral("1 January, Year 1, 00:30")},
-        {gregorian, -year365 - day, QStringLiteral("31 December, Year -1")},
-        {harvest, *at(harvest, {1250, 2, 25, 14, 30}),
-         QStringLiteral("25 Harvestmoon, Year 1250 AR, 14:30")},
-        {spoken, *at(spoken, {5, 1, 3, 12, 0}),
-         QStringLiteral("3 Deep Winter, Year 5 Third Age, 12:00")},
-        {empty, 0, QStringLiteral("1 1, Year 1")},
+        {gregorian, 0, u"1 January, Year 1"_s},
+        {gregorian, -1, u"31 December, Year 0, 23:59"_s},
+        {gregorian, year365, u"1 January, Year 2"_s},
+        {gregorian, 9 * 60 + 5, u"1 January, Year 1, 09:05"_s},
+        {gregorian, 30, u"1 January, Year 1, 00:30"_s},
+        {gregorian, -year365 - day, u"31 December, Year -1"_s},
+        {harvest, *at(harvest, {1250, 2, 25, 14, 30}), u"25 Harvestmoon, Year 1250 AR, 14:30"_s},
+        {spoken, *at(spoken, {5, 1, 3, 12, 0}), u"3 Deep Winter, Year 5 Third Age, 12:00"_s},
+        {empty, 0, u"1 1, Year 1"_s},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.expected.toStdString());
@@ -160,51 +150,49 @@ TEST(StoryTime, ParsesDatesInTheCalendarsTerms)
         QString text;
         std::optional<qint64> expected;
     } cases[] = {
-        {harvest, QStringLiteral("25 Harvestmoon 1250"), at(harvest, {1250, 2, 25, 0, 0})},
-        {harvest, QStringLiteral("Harvestmoon 25, 1250"), at(harvest, {1250, 2, 25, 0, 0})},
-        {harvest, QStringLiteral("25 harv 1250"), at(harvest, {1250, 2, 25, 0, 0})},
-        {harvest, QStringLiteral("25 Harvestmoon Year 1250 14:30"),
-         at(harvest, {1250, 2, 25, 14, 30})},
-        {harvest, QStringLiteral("  1250 "), at(harvest, {1250, 1, 1, 0, 0})},
-        {harvest, QStringLiteral("Harvestmoon 1250"), at(harvest, {1250, 2, 1, 0, 0})},
-        {harvest, QStringLiteral("YEAR 1250"), at(harvest, {1250, 1, 1, 0, 0})},
-        {harvest, QStringLiteral("25 Harvestmoon"), refused},
-        {harvest, QStringLiteral("28 Frostfall 1250"), at(harvest, {1250, 4, 28, 0, 0})},
-        {harvest, QStringLiteral("29 Frostfall 1250"), refused},
-        {harvest, QStringLiteral("0 Frostfall 1250"), refused},
-        {harvest, QStringLiteral("25 Har 1250"), refused},
-        {harvest, QStringLiteral("25 Smarch 1250"), refused},
-        {harvest, QStringLiteral("Thawing Frostfall 1250"), refused},
-        {harvest, QStringLiteral("1 Thawing 1250 3"), refused},
-        {harvest, QStringLiteral("1250 3"), refused},
-        {harvest, QStringLiteral("25 Harvestmoon, Year 1250 ar"), at(harvest, {1250, 2, 25, 0, 0})},
-        {harvest, QStringLiteral("1250 12:75"), refused},
-        {harvest, QStringLiteral("1250 24:00"), refused},
-        {harvest, QStringLiteral("1250 9:05"), at(harvest, {1250, 1, 1, 9, 5})},
-        {harvest, QStringLiteral("14:30"), refused},
-        {harvest, QStringLiteral("1250 14:30 16:00"), refused},
-        {harvest, QStringLiteral(""), refused},
-        {harvest, QStringLiteral(" ,  "), refused},
-        {harvest, QStringLiteral("0"), at(harvest, {0, 1, 1, 0, 0})},
-        {harvest, QStringLiteral("-5"), at(harvest, {-5, 1, 1, 0, 0})},
-        {harvest, QStringLiteral("+12"), at(harvest, {12, 1, 1, 0, 0})},
-        {harvest, QStringLiteral("1000000000000"), at(harvest, {1'000'000'000'000, 1, 1, 0, 0})},
-        {harvest, QStringLiteral("1000000000001"), refused},
-        {harvest, QStringLiteral("99999999999999999999"), refused},
-        {harvest, QStringLiteral("12a"), refused},
-        {gregorian, QStringLiteral("Ju 1250"), refused},
-        {gregorian, QStringLiteral("4 Jul 1776"), at(gregorian, {1776, 7, 4, 0, 0})},
-        {gregorian, QStringLiteral("june 1250"), at(gregorian, {1250, 6, 1, 0, 0})},
-        {empty, QStringLiteral("1250 10:00"), 600},
-        {empty, QStringLiteral("5 January 1250"), refused},
-        {endless, QStringLiteral("Long 1000000000000"), refused},
-        {spoken, QStringLiteral("3 Deep Winter, Year 5 Third Age, 12:00"),
-         at(spoken, {5, 1, 3, 12, 0})},
-        {spoken, QStringLiteral("3 deep winter 5 THIRD age"), at(spoken, {5, 1, 3, 0, 0})},
-        {spoken, QStringLiteral("3 Deep 5"), at(spoken, {5, 2, 3, 0, 0})},
-        {spoken, QStringLiteral("3 Deep 5 Third"), refused},
-        {spoken, QStringLiteral("2 Year End, Year 5 Third Age"), at(spoken, {5, 3, 2, 0, 0})},
-        {spoken, QStringLiteral("Year End, Year 5"), at(spoken, {5, 3, 1, 0, 0})},
+        {harvest, u"25 Harvestmoon 1250"_s, at(harvest, {1250, 2, 25, 0, 0})},
+        {harvest, u"Harvestmoon 25, 1250"_s, at(harvest, {1250, 2, 25, 0, 0})},
+        {harvest, u"25 harv 1250"_s, at(harvest, {1250, 2, 25, 0, 0})},
+        {harvest, u"25 Harvestmoon Year 1250 14:30"_s, at(harvest, {1250, 2, 25, 14, 30})},
+        {harvest, u"  1250 "_s, at(harvest, {1250, 1, 1, 0, 0})},
+        {harvest, u"Harvestmoon 1250"_s, at(harvest, {1250, 2, 1, 0, 0})},
+        {harvest, u"YEAR 1250"_s, at(harvest, {1250, 1, 1, 0, 0})},
+        {harvest, u"25 Harvestmoon"_s, refused},
+        {harvest, u"28 Frostfall 1250"_s, at(harvest, {1250, 4, 28, 0, 0})},
+        {harvest, u"29 Frostfall 1250"_s, refused},
+        {harvest, u"0 Frostfall 1250"_s, refused},
+        {harvest, u"25 Har 1250"_s, refused},
+        {harvest, u"25 Smarch 1250"_s, refused},
+        {harvest, u"Thawing Frostfall 1250"_s, refused},
+        {harvest, u"1 Thawing 1250 3"_s, refused},
+        {harvest, u"1250 3"_s, refused},
+        {harvest, u"25 Harvestmoon, Year 1250 ar"_s, at(harvest, {1250, 2, 25, 0, 0})},
+        {harvest, u"1250 12:75"_s, refused},
+        {harvest, u"1250 24:00"_s, refused},
+        {harvest, u"1250 9:05"_s, at(harvest, {1250, 1, 1, 9, 5})},
+        {harvest, u"14:30"_s, refused},
+        {harvest, u"1250 14:30 16:00"_s, refused},
+        {harvest, u""_s, refused},
+        {harvest, u" ,  "_s, refused},
+        {harvest, u"0"_s, at(harvest, {0, 1, 1, 0, 0})},
+        {harvest, u"-5"_s, at(harvest, {-5, 1, 1, 0, 0})},
+        {harvest, u"+12"_s, at(harvest, {12, 1, 1, 0, 0})},
+        {harvest, u"1000000000000"_s, at(harvest, {1'000'000'000'000, 1, 1, 0, 0})},
+        {harvest, u"1000000000001"_s, refused},
+        {harvest, u"99999999999999999999"_s, refused},
+        {harvest, u"12a"_s, refused},
+        {gregorian, u"Ju 1250"_s, refused},
+        {gregorian, u"4 Jul 1776"_s, at(gregorian, {1776, 7, 4, 0, 0})},
+        {gregorian, u"june 1250"_s, at(gregorian, {1250, 6, 1, 0, 0})},
+        {empty, u"1250 10:00"_s, 600},
+        {empty, u"5 January 1250"_s, refused},
+        {endless, u"Long 1000000000000"_s, refused},
+        {spoken, u"3 Deep Winter, Year 5 Third Age, 12:00"_s, at(spoken, {5, 1, 3, 12, 0})},
+        {spoken, u"3 deep winter 5 THIRD age"_s, at(spoken, {5, 1, 3, 0, 0})},
+        {spoken, u"3 Deep 5"_s, at(spoken, {5, 2, 3, 0, 0})},
+        {spoken, u"3 Deep 5 Third"_s, refused},
+        {spoken, u"2 Year End, Year 5 Third Age"_s, at(spoken, {5, 3, 2, 0, 0})},
+        {spoken, u"Year End, Year 5"_s, at(spoken, {5, 3, 1, 0, 0})},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.text.toStdString());

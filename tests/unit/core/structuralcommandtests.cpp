@@ -1,12 +1,10 @@
 #include "commandfixture.h"
-
 #include "core/commands/canvascommands.h"
 #include "core/commands/categorycommands.h"
 #include "core/commands/commentcommands.h"
 #include "core/commands/entitycommands.h"
 #include "core/commands/objectcommands.h"
 #include "core/commands/structuralcommands.h"
-
 #include "support/printers.h"
 
 using namespace Qt::StringLiterals;
@@ -172,8 +170,8 @@ TEST_F(CommandTest, AReparentThatTheTreeRefusesIsExplainedAndChangesNothing)
     const QByteArray before = snapshot();
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
-        const fb::Result<void> checked =
-            ReparentCategoryCommand::check(project.categories(), c.category, c.newParent);
+        const fb::Result<void> checked = ReparentCategoryCommand::check(project.categories(),
+                                                                        c.category, c.newParent);
         ASSERT_FALSE(checked);
         EXPECT_EQ(checked.error(), c.message);
         ReparentCategoryCommand reparent(project, c.category, c.newParent);

@@ -1,6 +1,5 @@
 #include "core/commands/command.h"
 #include "core/commands/undohistory.h"
-
 #include "support/printers.h"
 
 #include <gtest/gtest.h>

@@ -48,10 +48,12 @@ TEST(LineReader, SplitsLinesAtEveryChunkSizeAndSkipsThoseOverTheCap)
         {"carriage return stays in the line", "ab\r\ncd\r", {"ab\r", "cd\r"}},
         {"line exactly at the cap", "12345678\nx\n", {"12345678", "x"}},
         {"line one byte over the cap", "123456789\nx\n", {"<too long>", "x"}},
-        {"line far over the cap", QByteArray(100, 'y') + "\nx\n" + QByteArray(9, 'z') + "\n",
+        {"line far over the cap",
+         QByteArray(100, 'y') + "\nx\n" + QByteArray(9, 'z') + "\n",
          {"<too long>", "x", "<too long>"}},
         {"over-long last line without a line feed", "x\n123456789", {"x", "<too long>"}},
-        {"over-long line between short ones", "a\n" + QByteArray(20, 'q') + "\r\nb",
+        {"over-long line between short ones",
+         "a\n" + QByteArray(20, 'q') + "\r\nb",
          {"a", "<too long>", "b"}},
     };
     for (const auto &c : cases) {

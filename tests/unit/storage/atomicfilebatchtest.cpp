@@ -1,6 +1,6 @@
-#include "support/printers.h"
-
 #include "storage/atomicfilebatch.h"
+
+#include "support/printers.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,6 +14,8 @@
 #include <functional>
 
 #include <unistd.h>
+
+using namespace Qt::StringLiterals;
 
 using fb::app::AtomicFileBatch;
 using fb::app::TargetExpectation;
@@ -37,54 +39,54 @@ TEST(AtomicFileBatch, ReplacesEveryFileOnlyWhenCommitted)
 {
     QTemporaryDir dir;
     const QDir root(dir.path());
-    write(root.filePath(QStringLiteral("a.json")), "old a");
+    write(root.filePath(u"a.json"_s), "old a");
     {
         AtomicFileBatch batch;
-        ASSERT_TRUE(batch.stage(root.filePath(QStringLiteral("a.json")), "new a"));
-        ASSERT_TRUE(batch.stage(root.filePath(QStringLiteral("b.json")), "new b"));
+        ASSERT_TRUE(batch.stage(root.filePath(u"a.json"_s), "new a"));
+        ASSERT_TRUE(batch.stage(root.filePath(u"b.json"_s), "new b"));
         // Nothing is replaced before the commit, and the temporary files are no project files.
-        EXPECT_EQ(read(root.filePath(QStringLiteral("a.json"))), "old a");
-        EXPECT_EQ(root.entryList({QStringLiteral("*.json")}, QDir::Files).size(), 1);
+        EXPECT_EQ(read(root.filePath(u"a.json"_s)), "old a");
+        EXPECT_EQ(root.entryList({u"*.json"_s}, QDir::Files).size(), 1);
         ASSERT_TRUE(batch.commit().isSaved());
     }
-    EXPECT_EQ(read(root.filePath(QStringLiteral("a.json"))), "new a");
-    EXPECT_EQ(read(root.filePath(QStringLiteral("b.json"))), "new b");
-    EXPECT_EQ(root.entryList(QDir::Files), (QStringList{QStringLiteral("a.json"), QStringLiteral("b.json")}));
+    EXPECT_EQ(read(root.filePath(u"a.json"_s)), "new a");
+    EXPECT_EQ(read(root.filePath(u"b.json"_s)), "new b");
+    EXPECT_EQ(root.entryList(QDir::Files), (QStringList{u"a.json"_s, u"b.json"_s}));
 }
 
 TEST(AtomicFileBatch, LeavesEverythingAsItWasWhenNotCommitted)
 {
     QTemporaryDir dir;
     const QDir root(dir.path());
-    write(root.filePath(QStringLiteral("a.json")), "old a");
-    ASSERT_TRUE(root.mkdir(QStringLiteral("taken.json")));
+    write(root.filePath(u"a.json"_s), "old a");
+    ASSERT_TRUE(root.mkdir(u"taken.json"_s));
     {
         AtomicFileBatch batch;
-        ASSERT_TRUE(batch.stage(root.filePath(QStringLiteral("a.json")), "new a"));
-        const auto refused = batch.stage(root.filePath(QStringLiteral("taken.json")), "x");
+        ASSERT_TRUE(batch.stage(root.filePath(u"a.json"_s), "new a"));
+        const auto refused = batch.stage(root.filePath(u"taken.json"_s), "x");
         ASSERT_FALSE(refused);
-        EXPECT_EQ(refused.error(), QStringLiteral("Cannot write file: %1")
-                                       .arg(QDir::toNativeSeparators(root.filePath(QStringLiteral("taken.json")))));
+        EXPECT_EQ(refused.error(), u"Cannot write file: %1"_s.arg(
+                                       QDir::toNativeSeparators(root.filePath(u"taken.json"_s))));
     }
-    EXPECT_EQ(read(root.filePath(QStringLiteral("a.json"))), "old a");
-    EXPECT_EQ(root.entryList(QDir::Files), QStringList{QStringLiteral("a.json")});
+    EXPECT_EQ(read(root.filePath(u"a.json"_s)), "old a");
+    EXPECT_EQ(root.entryList(QDir::Files), QStringList{u"a.json"_s});
 }
 
 TEST(AtomicFileBatch, RemovesOnlyTemporariesOfProcessesThatAreGone)
 {
     QTemporaryDir dir;
     const QDir root(dir.path());
-    ASSERT_TRUE(root.mkdir(QStringLiteral("objects")));
+    ASSERT_TRUE(root.mkdir(u"objects"_s));
     // No process has a number this large; this test's own process is running.
-    const QString abandoned = root.filePath(QStringLiteral("objects/a.json.2147483000-1.saving"));
-    const QString running = root.filePath(QStringLiteral("objects/b.json.%1-1.saving").arg(::getpid()));
+    const QString abandoned = root.filePath(u"objects/a.json.2147483000-1.saving"_s);
+    const QString running = root.filePath(u"objects/b.json.%1-1.saving"_s.arg(::getpid()));
     write(abandoned, "half");
     write(running, "busy");
-    write(root.filePath(QStringLiteral("objects/c.json")), "kept");
+    write(root.filePath(u"objects/c.json"_s), "kept");
     fb::app::removeAbandonedTemporaries(dir.path());
     EXPECT_FALSE(QFile::exists(abandoned));
     EXPECT_TRUE(QFile::exists(running));
-    EXPECT_TRUE(QFile::exists(root.filePath(QStringLiteral("objects/c.json"))));
+    EXPECT_TRUE(QFile::exists(root.filePath(u"objects/c.json"_s)));
 }
 
 TargetExpectation asNow(const QString &path)
@@ -104,31 +106,34 @@ TEST(AtomicFileBatch, RefusesToReplaceATargetThatChangedSinceItWasRead)
         const char *messageStart;
     };
     const Case cases[] = {
-        {"rewritten", [](const QDir &d) { write(d.filePath(QStringLiteral("b.json")), "theirs, longer"); },
+        {"rewritten", [](const QDir &d) { write(d.filePath(u"b.json"_s), "theirs, longer"); },
          "Another program changed "},
-        {"removed", [](const QDir &d) { QFile::remove(d.filePath(QStringLiteral("b.json"))); },
+        {"removed", [](const QDir &d) { QFile::remove(d.filePath(u"b.json"_s)); },
          "Another program removed "},
-        {"created", [](const QDir &d) { write(d.filePath(QStringLiteral("c.json")), "theirs"); },
+        {"created", [](const QDir &d) { write(d.filePath(u"c.json"_s), "theirs"); },
          "Another program created "},
     };
     for (const Case &c : cases) {
         SCOPED_TRACE(c.name);
         QTemporaryDir dir;
         const QDir root(dir.path());
-        write(root.filePath(QStringLiteral("a.json")), "old a");
-        write(root.filePath(QStringLiteral("b.json")), "old b");
+        write(root.filePath(u"a.json"_s), "old a");
+        write(root.filePath(u"b.json"_s), "old b");
         AtomicFileBatch batch;
-        ASSERT_TRUE(batch.stage(root.filePath(QStringLiteral("a.json")), "new a", asNow(root.filePath(QStringLiteral("a.json")))));
-        ASSERT_TRUE(batch.stage(root.filePath(QStringLiteral("b.json")), "new b", asNow(root.filePath(QStringLiteral("b.json")))));
-        ASSERT_TRUE(batch.stage(root.filePath(QStringLiteral("c.json")), "new c", TargetExpectation{}));
+        ASSERT_TRUE(
+            batch.stage(root.filePath(u"a.json"_s), "new a", asNow(root.filePath(u"a.json"_s))));
+        ASSERT_TRUE(
+            batch.stage(root.filePath(u"b.json"_s), "new b", asNow(root.filePath(u"b.json"_s))));
+        ASSERT_TRUE(batch.stage(root.filePath(u"c.json"_s), "new c", TargetExpectation{}));
         c.outsideEdit(root);
         QStringList before = root.entryList(QDir::Files | QDir::Hidden);
-        before.removeIf([](const QString &name) { return name.endsWith(QStringLiteral(".saving")); });
+        before.removeIf([](const QString &name) { return name.endsWith(u".saving"_s); });
 
         const fb::app::SaveOutcome outcome = batch.commit(dir.path());
         EXPECT_TRUE(outcome.isRefused());
-        EXPECT_TRUE(outcome.message.startsWith(QString::fromLatin1(c.messageStart))) << outcome.message.toStdString();
-        EXPECT_EQ(read(root.filePath(QStringLiteral("a.json"))), "old a");
+        EXPECT_TRUE(outcome.message.startsWith(QString::fromLatin1(c.messageStart)))
+            << outcome.message.toStdString();
+        EXPECT_EQ(read(root.filePath(u"a.json"_s)), "old a");
         // No temporary file and no journal is left behind.
         EXPECT_EQ(root.entryList(QDir::Files | QDir::Hidden), before);
     }
@@ -142,31 +147,34 @@ TEST(AtomicFileBatch, FinishesABatchACrashInterruptedUnlessAnotherProgramMovedOn
         SCOPED_TRACE(changedSince ? "second target changed after the crash" : "untouched since");
         QTemporaryDir dir;
         const QDir root(dir.path());
-        ASSERT_TRUE(root.mkdir(QStringLiteral("objects")));
-        write(root.filePath(QStringLiteral("objects/a.json")), "new a");
-        write(root.filePath(QStringLiteral("objects/b.json")), "old b");
-        write(root.filePath(QStringLiteral("objects/gone.json")), "old gone");
-        const QString staged = QStringLiteral("objects/b.json.2147483000-2.saving");
+        ASSERT_TRUE(root.mkdir(u"objects"_s));
+        write(root.filePath(u"objects/a.json"_s), "new a");
+        write(root.filePath(u"objects/b.json"_s), "old b");
+        write(root.filePath(u"objects/gone.json"_s), "old gone");
+        const QString staged = u"objects/b.json.2147483000-2.saving"_s;
         write(root.filePath(staged), "new b");
         const QJsonArray operations{
-            QJsonObject{{"target", "objects/a.json"}, {"staged", "objects/a.json.2147483000-1.saving"},
+            QJsonObject{{"target", "objects/a.json"},
+                        {"staged", "objects/a.json.2147483000-1.saving"},
                         {"before", QString::fromLatin1(fb::app::journalDigest("old a"))}},
-            QJsonObject{{"target", "objects/b.json"}, {"staged", staged},
+            QJsonObject{{"target", "objects/b.json"},
+                        {"staged", staged},
                         {"before", QString::fromLatin1(fb::app::journalDigest("old b"))}},
             QJsonObject{{"target", "objects/gone.json"},
                         {"before", QString::fromLatin1(fb::app::journalDigest("old gone"))}},
         };
-        write(root.filePath(QStringLiteral(".fablery-mcp-journal")),
-              QJsonDocument(QJsonObject{{"process", 2147483000}, {"operations", operations}}).toJson());
+        write(root.filePath(u".fablery-mcp-journal"_s),
+              QJsonDocument(QJsonObject{{"process", 2147483000}, {"operations", operations}})
+                  .toJson());
         if (changedSince)
-            write(root.filePath(QStringLiteral("objects/b.json")), "theirs");
+            write(root.filePath(u"objects/b.json"_s), "theirs");
 
         fb::app::recoverInterruptedBatch(dir.path());
-        EXPECT_EQ(read(root.filePath(QStringLiteral("objects/a.json"))), "new a");
-        EXPECT_EQ(read(root.filePath(QStringLiteral("objects/b.json"))), changedSince ? "theirs" : "new b");
-        EXPECT_FALSE(QFile::exists(root.filePath(QStringLiteral("objects/gone.json"))));
+        EXPECT_EQ(read(root.filePath(u"objects/a.json"_s)), "new a");
+        EXPECT_EQ(read(root.filePath(u"objects/b.json"_s)), changedSince ? "theirs" : "new b");
+        EXPECT_FALSE(QFile::exists(root.filePath(u"objects/gone.json"_s)));
         EXPECT_FALSE(QFile::exists(root.filePath(staged)));
-        EXPECT_FALSE(QFile::exists(root.filePath(QStringLiteral(".fablery-mcp-journal"))));
+        EXPECT_FALSE(QFile::exists(root.filePath(u".fablery-mcp-journal"_s)));
     }
 }
 

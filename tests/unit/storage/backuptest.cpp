@@ -1,4 +1,5 @@
 #include "storage/backup.h"
+
 #include "storage/zip/zipreader.h"
 #include "support/printers.h"
 
@@ -105,8 +106,8 @@ TEST_F(Backup, KeepsTheMostRecentBackups)
         for (int i = 1; i <= 15; ++i)
             ASSERT_TRUE(writeBackup(m_project.path(), folder, u"Harbour"_s, stamp(i), 100));
 
-        const auto result
-            = writeBackup(m_project.path(), folder, u"Harbour"_s, stamp(16), c.retention);
+        const auto result = writeBackup(m_project.path(), folder, u"Harbour"_s, stamp(16),
+                                        c.retention);
         ASSERT_TRUE(result);
         EXPECT_EQ(result->prunedCount, c.pruned);
         const QStringList left = backupsIn(folder);

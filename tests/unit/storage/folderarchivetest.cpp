@@ -1,4 +1,5 @@
 #include "storage/folderarchive.h"
+
 #include "storage/zip/crc32.h"
 #include "storage/zip/zipformat.h"
 #include "storage/zip/zipreader.h"
@@ -124,12 +125,10 @@ TEST(ExtractArchive, RefusesNamesThatLeaveTheFolderAndWritesNothing)
         const QByteArray archive = writeZip({{u"project.json"_s, "{}"}, {name, "x"}});
         const auto result = extractArchive(archive, target);
         ASSERT_FALSE(result);
-        EXPECT_EQ(
-            result.error(),
-            u"The archive holds an entry whose name leads outside its folder: %1"_s.arg(name));
-        EXPECT_EQ(
-            QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
-            QStringList());
+        EXPECT_EQ(result.error(),
+                  u"The archive holds an entry whose name leads outside its folder: %1"_s.arg(name));
+        EXPECT_EQ(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+                  QStringList());
         EXPECT_FALSE(QFile::exists(u"/abs.json"_s));
     }
 }
@@ -197,10 +196,14 @@ TEST(ExtractArchive, RefusesArchivesThatWouldUnpackTooFarBeforeWritingAnything)
         QString error;
     };
     const Case cases[] = {
-        {"300 MiB of zeros", zeroBombArchive(), {},
+        {"300 MiB of zeros",
+         zeroBombArchive(),
+         {},
          u"The archive would unpack to more than 100 times its own size, which no project "
          u"archive does; it is refused."_s},
-        {"more than 16 GiB", declaringArchive((quint64(16) << 30) + 1), {},
+        {"more than 16 GiB",
+         declaringArchive((quint64(16) << 30) + 1),
+         {},
          u"The archive would unpack to more than 16 GiB, more than a project can hold; it is "
          u"refused."_s},
         {"more than the disk holds", declaringArchive(quint64(1) << 62), unlimited,
@@ -214,8 +217,7 @@ TEST(ExtractArchive, RefusesArchivesThatWouldUnpackTooFarBeforeWritingAnything)
         if (c.error.endsWith(u"only "_s)) {
             // The free space is whatever it is at the moment of the check.
             EXPECT_TRUE(result.error().startsWith(c.error)) << result.error().toStdString();
-            EXPECT_TRUE(
-                result.error().endsWith(u" MiB are free; free some space and try again."_s));
+            EXPECT_TRUE(result.error().endsWith(u" MiB are free; free some space and try again."_s));
         } else {
             EXPECT_EQ(result.error(), c.error);
         }

@@ -1,7 +1,7 @@
-#include "support/printers.h"
-
 #include "storage/foldersnapshot.h"
+
 #include "storage/projectfolder.h"
+#include "support/printers.h"
 
 #include <QDir>
 #include <QFile>
@@ -13,6 +13,8 @@
 #include <functional>
 
 #include <utime.h>
+
+using namespace Qt::StringLiterals;
 
 using fb::app::FolderSnapshot;
 
@@ -40,9 +42,9 @@ protected:
     void SetUp() override
     {
         m_root = QDir(m_dir.path());
-        write(m_root.filePath(QStringLiteral("project.json")), "{\"name\": \"A\"}");
-        write(m_root.filePath(QStringLiteral("objects/one.json")), "{\"title\": \"One\"}");
-        write(m_root.filePath(QStringLiteral("assets/map.png")), "png");
+        write(m_root.filePath(u"project.json"_s), "{\"name\": \"A\"}");
+        write(m_root.filePath(u"objects/one.json"_s), "{\"title\": \"One\"}");
+        write(m_root.filePath(u"assets/map.png"_s), "png");
     }
 
     QTemporaryDir m_dir;
@@ -53,29 +55,34 @@ TEST_P(FolderSnapshotTest, NoticesEveryOutsideChangeOfProjectFiles)
 {
     const OutsideEdit edits[] = {
         {"nothing", [](const QDir &) {}, false},
-        {"an image", [](const QDir &d) { write(d.filePath(QStringLiteral("assets/map.png")), "gif"); }, false},
-        {"a new text file", [](const QDir &d) { write(d.filePath(QStringLiteral("notes.txt")), "x"); }, false},
-        {"a new json file", [](const QDir &d) { write(d.filePath(QStringLiteral("objects/two.json")), "{}"); }, true},
+        {"an image", [](const QDir &d) { write(d.filePath(u"assets/map.png"_s), "gif"); }, false},
+        {"a new text file", [](const QDir &d) { write(d.filePath(u"notes.txt"_s), "x"); }, false},
+        {"a new json file", [](const QDir &d) { write(d.filePath(u"objects/two.json"_s), "{}"); },
+         true},
         {"a new YAML file in a new folder",
-         [](const QDir &d) { write(d.filePath(QStringLiteral("extra/deep/a.YAML")), "a: 1"); }, true},
-        {"a removed json file", [](const QDir &d) { QFile::remove(d.filePath(QStringLiteral("objects/one.json"))); }, true},
+         [](const QDir &d) { write(d.filePath(u"extra/deep/a.YAML"_s), "a: 1"); }, true},
+        {"a removed json file",
+         [](const QDir &d) { QFile::remove(d.filePath(u"objects/one.json"_s)); }, true},
         {"the same bytes written again",
-         [](const QDir &d) { write(d.filePath(QStringLiteral("objects/one.json")), "{\"title\": \"One\"}"); }, false},
+         [](const QDir &d) { write(d.filePath(u"objects/one.json"_s), "{\"title\": \"One\"}"); },
+         false},
         {"same size, same second, in place",
          [](const QDir &d) {
-             const QString path = d.filePath(QStringLiteral("objects/one.json"));
+             const QString path = d.filePath(u"objects/one.json"_s);
              const qint64 seconds = QFileInfo(path).lastModified().toSecsSinceEpoch();
              write(path, "{\"title\": \"Two\"}");
-             const struct utimbuf times{seconds, seconds};
+             const struct utimbuf times
+             {
+                 seconds, seconds
+             };
              ::utime(QFile::encodeName(path).constData(), &times);
          },
          true},
         {"an atomic replacement",
          [](const QDir &d) {
-             write(d.filePath(QStringLiteral("objects/one.json.tmp")), "{\"title\": \"New\"}");
-             QFile::remove(d.filePath(QStringLiteral("objects/one.json")));
-             QFile::rename(d.filePath(QStringLiteral("objects/one.json.tmp")),
-                           d.filePath(QStringLiteral("objects/one.json")));
+             write(d.filePath(u"objects/one.json.tmp"_s), "{\"title\": \"New\"}");
+             QFile::remove(d.filePath(u"objects/one.json"_s));
+             QFile::rename(d.filePath(u"objects/one.json.tmp"_s), d.filePath(u"objects/one.json"_s));
          },
          true},
     };
@@ -83,9 +90,9 @@ TEST_P(FolderSnapshotTest, NoticesEveryOutsideChangeOfProjectFiles)
         SCOPED_TRACE(edit.name);
         QTemporaryDir dir;
         const QDir root(dir.path());
-        write(root.filePath(QStringLiteral("project.json")), "{\"name\": \"A\"}");
-        write(root.filePath(QStringLiteral("objects/one.json")), "{\"title\": \"One\"}");
-        write(root.filePath(QStringLiteral("assets/map.png")), "png");
+        write(root.filePath(u"project.json"_s), "{\"name\": \"A\"}");
+        write(root.filePath(u"objects/one.json"_s), "{\"title\": \"One\"}");
+        write(root.filePath(u"assets/map.png"_s), "png");
         FolderSnapshot snapshot(GetParam());
         snapshot.take(dir.path());
         EXPECT_FALSE(snapshot.hasChanged(dir.path()));
@@ -99,14 +106,14 @@ TEST_P(FolderSnapshotTest, TakesItsOwnWritesAsNoChange)
     FolderSnapshot snapshot(GetParam());
     snapshot.take(m_dir.path());
     fb::app::FolderWriteReport report;
-    report.written.insert(QStringLiteral("objects/two.json"), "{\"title\": \"Two\"}");
-    report.removed.append(QStringLiteral("objects/one.json"));
-    write(m_root.filePath(QStringLiteral("objects/two.json")), "{\"title\": \"Two\"}");
-    QFile::remove(m_root.filePath(QStringLiteral("objects/one.json")));
+    report.written.insert(u"objects/two.json"_s, "{\"title\": \"Two\"}");
+    report.removed.append(u"objects/one.json"_s);
+    write(m_root.filePath(u"objects/two.json"_s), "{\"title\": \"Two\"}");
+    QFile::remove(m_root.filePath(u"objects/one.json"_s));
     snapshot.update(m_dir.path(), report);
     EXPECT_FALSE(snapshot.hasChanged(m_dir.path()));
     // An outside edit right after this process's own write is still seen.
-    write(m_root.filePath(QStringLiteral("objects/two.json")), "{\"title\": \"Owt\"}");
+    write(m_root.filePath(u"objects/two.json"_s), "{\"title\": \"Owt\"}");
     EXPECT_TRUE(snapshot.hasChanged(m_dir.path()));
 }
 

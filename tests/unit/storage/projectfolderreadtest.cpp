@@ -1,8 +1,7 @@
-#include "storage/projectfolder.h"
-
 #include "core/contentobjects.h"
 #include "core/project.h"
 #include "projectfoldertestutil.h"
+#include "storage/projectfolder.h"
 #include "support/printers.h"
 
 #include <QJsonArray>
@@ -78,50 +77,55 @@ TEST(ProjectFolder, StoresEveryKeyUnderItsName)
     };
     const Case cases[] = {
         {"objects/00000000-0000-4000-8000-000000000002.json", nullptr,
-         common + u"body kind title synopsis status pointOfView tensionLevel sceneInstant "
-                  "wordCountTarget parentId sortIndex sourceIds plotThreadIds revisionBaseline "
-                  "versions variants activeVariant footnotes"_s},
-        {"objects/00000000-0000-4000-8000-000000000002.json", "versions",
-         u"label createdAt body"_s},
+         common
+             + u"body kind title synopsis status pointOfView tensionLevel sceneInstant "
+               "wordCountTarget parentId sortIndex sourceIds plotThreadIds revisionBaseline "
+               "versions variants activeVariant footnotes"_s},
+        {"objects/00000000-0000-4000-8000-000000000002.json", "versions", u"label createdAt body"_s},
         {"objects/00000000-0000-4000-8000-000000000002.json", "footnotes", u"id text endnote"_s},
         {"objects/00000000-0000-4000-8000-000000000003.json", nullptr,
-         common + u"categoryId name aliases gallery values birthInstant deathInstant "
-                  "timedValues"_s},
+         common
+             + u"categoryId name aliases gallery values birthInstant deathInstant "
+               "timedValues"_s},
         {"objects/00000000-0000-4000-8000-000000000005.json", nullptr,
-         common + u"title rowCount columnCount cells formats columnWidths rowHeights "
-                  "linkedCategoryId"_s},
+         common
+             + u"title rowCount columnCount cells formats columnWidths rowHeights "
+               "linkedCategoryId"_s},
         {"objects/00000000-0000-4000-8000-000000000005.json", "formats",
          u"row column bold italic underline strikeOut fontFamily fontPointSize textColor "
          "backgroundColor alignment numberFormat decimalPlaces"_s},
         {"objects/00000000-0000-4000-8000-000000000006.json", nullptr,
          common + u"title kind categories series valueAxisTitle categoryAxisTitle"_s},
         {"objects/00000000-0000-4000-8000-000000000007.json", nullptr,
-         common + u"title imageAssetPath regions routes travelSpeedPerHour distanceUnit "
-                  "widthDistance pins gridKind gridColumns gridColor tokens"_s},
+         common
+             + u"title imageAssetPath regions routes travelSpeedPerHour distanceUnit "
+               "widthDistance pins gridKind gridColumns gridColor tokens"_s},
         {"objects/00000000-0000-4000-8000-000000000007.json", "regions",
          u"label points linkedEntityId linkedMapId layer revealed"_s},
         {"objects/00000000-0000-4000-8000-000000000008.json", nullptr,
          common + u"title description sortIndex"_s},
         {"objects/00000000-0000-4000-8000-000000000009.json", nullptr,
-         common + u"timelineId title startMinute durationMinutes ordinal dateQualifier "
-                  "participants locationId parentId collapsed constraints sceneIds description "
-                  "styleColor styleLabel layer"_s},
+         common
+             + u"timelineId title startMinute durationMinutes ordinal dateQualifier "
+               "participants locationId parentId collapsed constraints sceneIds description "
+               "styleColor styleLabel layer"_s},
         {"objects/00000000-0000-4000-8000-000000000010.json", nullptr,
          common + u"kind caption assetPath annotations crop"_s},
         {"objects/00000000-0000-4000-8000-000000000011.json", nullptr,
          common + u"sourceType title citationKey fields"_s},
         {"objects/00000000-0000-4000-8000-000000000012.json", nullptr,
-         common + u"title description done board priority dueDate status targetId sortIndex "
-                  "submission"_s},
+         common
+             + u"title description done board priority dueDate status targetId sortIndex "
+               "submission"_s},
         {"objects/00000000-0000-4000-8000-000000000013.json", nullptr,
          common + u"title cards connections"_s},
         {"objects/00000000-0000-4000-8000-000000000014.json", nullptr,
          common + u"targetId parentId anchor author body createdAt updatedAt resolved"_s},
         {"objects/00000000-0000-4000-8000-000000000015.json", nullptr,
-         common + u"name consonants vowels patterns minSyllables maxSyllables grammarNotes "
-                  "lexicon"_s},
-        {"objects/00000000-0000-4000-8000-000000000016.json", nullptr,
-         common + u"title entries"_s},
+         common
+             + u"name consonants vowels patterns minSyllables maxSyllables grammarNotes "
+               "lexicon"_s},
+        {"objects/00000000-0000-4000-8000-000000000016.json", nullptr, common + u"title entries"_s},
         {"objects/00000000-0000-4000-8000-000000000017.json", nullptr,
          common + u"title system notes stats actions"_s},
         {"taxonomy/c0000000-0000-4000-8000-000000000001.json", nullptr,

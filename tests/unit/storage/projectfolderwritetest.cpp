@@ -1,8 +1,7 @@
-#include "storage/projectfolder.h"
-
 #include "core/contentobjects.h"
 #include "core/project.h"
 #include "projectfoldertestutil.h"
+#include "storage/projectfolder.h"
 #include "support/printers.h"
 
 #include <QJsonDocument>
@@ -170,20 +169,25 @@ TEST_F(FolderWriter, NeverReplacesOrRemovesWhatAnotherProgramChanged)
         std::function<void(Project &)> change;
         QString expected;
     };
-    const auto renameDocument = [](Project &p) { p.objectAs<Document>(documentId)->setTitle(u"Landfall"_s); };
-    const auto rewrite = [](FolderWriter &t) { writeFile(t.path(documentFile), "{\"id\": \"edited elsewhere\"}"); };
+    const auto renameDocument = [](Project &p) {
+        p.objectAs<Document>(documentId)->setTitle(u"Landfall"_s);
+    };
+    const auto rewrite = [](FolderWriter &t) {
+        writeFile(t.path(documentFile), "{\"id\": \"edited elsewhere\"}");
+    };
     const Case cases[] = {
         {"rewritten, then changed here", rewrite, renameDocument,
          u"Another program changed %1 since this server last read it."_s.arg(documentPath)},
         {"removed, then changed here", [](FolderWriter &t) { QFile::remove(t.path(documentFile)); },
-         renameDocument, u"Another program removed %1 since this server last read it."_s.arg(documentPath)},
-        {"rewritten, then deleted here", rewrite,
-         [](Project &p) { p.takeObject(documentId); },
+         renameDocument,
+         u"Another program removed %1 since this server last read it."_s.arg(documentPath)},
+        {"rewritten, then deleted here", rewrite, [](Project &p) { p.takeObject(documentId); },
          u"Another program changed %1 since this server last read it."_s.arg(documentPath)},
         {"created where a new object goes",
          [](FolderWriter &t) { writeFile(t.path(newFile), "{}"); },
          [](Project &p) { p.addObject(std::make_unique<fb::core::Task>(u"Plan"_s, newId)); },
-         u"Another program created {dir}/%1 since this server last read the project."_s.arg(newFile)},
+         u"Another program created {dir}/%1 since this server last read the project."_s.arg(
+             newFile)},
         {"project file rewritten, settings changed here",
          [](FolderWriter &t) { writeFile(t.path(u"project.json"_s), "{\"name\": \"Theirs\"}"); },
          [](Project &p) { p.setName(u"Ours"_s); },
@@ -210,17 +214,16 @@ TEST_F(FolderWriter, NeverReplacesOrRemovesWhatAnotherProgramChanged)
 
 TEST_F(FolderWriter, WritesEachObjectBackToTheFileItCameFrom)
 {
-    for (const QString &name :
-         {u"Chapter One.json"_s, u"{00000000-0000-4000-8000-000000000002}.json"_s, u"DOC-2.json"_s}) {
+    for (const QString &name : {u"Chapter One.json"_s,
+                                u"{00000000-0000-4000-8000-000000000002}.json"_s, u"DOC-2.json"_s}) {
         SCOPED_TRACE(name.toStdString());
         const QString ownFile = u"objects/"_s + name;
-        reset([&](const QString &root) {
-            QDir(root).rename(documentFile, ownFile);
-        });
+        reset([&](const QString &root) { QDir(root).rename(documentFile, ownFile); });
         document().setTitle(u"Landfall"_s);
         EXPECT_EQ(write().written.keys(), QStringList{ownFile});
         EXPECT_FALSE(QFileInfo::exists(path(documentFile)));
-        EXPECT_EQ(jsonOf(folderFiles(folder()).value(ownFile)).value("title"_L1).toString(), u"Landfall"_s);
+        EXPECT_EQ(jsonOf(folderFiles(folder()).value(ownFile)).value("title"_L1).toString(),
+                  u"Landfall"_s);
 
         ASSERT_TRUE(m_project->takeObject(documentId));
         EXPECT_EQ(write().removed, QStringList{ownFile});
@@ -244,9 +247,11 @@ TEST_F(FolderWriter, KeepsValuesItCouldNotUnderstandUnlessTheChangeSetsThem)
         QJsonObject expectedChanges;
     };
     const Case cases[] = {
-        {"another field changes", [](Document &d) { d.setStatus(u"Final"_s); },
+        {"another field changes",
+         [](Document &d) { d.setStatus(u"Final"_s); },
          {{"status"_L1, u"Final"_s}}},
-        {"the misread field is set", [](Document &d) { d.setTitle(u"Landfall"_s); },
+        {"the misread field is set",
+         [](Document &d) { d.setTitle(u"Landfall"_s); },
          {{"title"_L1, u"Landfall"_s}}},
     };
     for (const Case &c : cases) {

@@ -1,4 +1,5 @@
 #include "storage/sha256.h"
+
 #include "support/printers.h"
 
 #include <QCryptographicHash>

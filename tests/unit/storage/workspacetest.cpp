@@ -50,8 +50,10 @@ protected:
         if (isBundle()) {
             m_bundle = m_dir.filePath(u"novel.fablery"_s);
             writeFile(m_bundle, *fb::app::packFolder(m_folder));
-            auto opened = Workspace::openBundle(
-                m_bundle, fb::app::StoragePaths::forBundle(m_bundle, u"workingcopies-mcp"_s));
+            auto opened
+                = Workspace::openBundle(m_bundle,
+                                        fb::app::StoragePaths::forBundle(m_bundle,
+                                                                         u"workingcopies-mcp"_s));
             ASSERT_TRUE(opened) << opened.error().toStdString();
             m_workspace = std::move(opened).value();
         } else {
@@ -71,12 +73,19 @@ protected:
 
     QMap<QString, QByteArray> onDisk() const
     {
-        return isBundle() ? QMap<QString, QByteArray>{{m_bundle, readAll(m_bundle)}} : folderFiles(m_folder);
+        return isBundle() ? QMap<QString, QByteArray>{{m_bundle, readAll(m_bundle)}}
+                          : folderFiles(m_folder);
     }
 
-    QString changedFile() const { return isBundle() ? m_bundle : QDir(m_folder).filePath(arrivalFile); }
+    QString changedFile() const
+    {
+        return isBundle() ? m_bundle : QDir(m_folder).filePath(arrivalFile);
+    }
 
-    fb::core::Document &arrival() { return *m_workspace->project().objectAs<fb::core::Document>(arrivalId); }
+    fb::core::Document &arrival()
+    {
+        return *m_workspace->project().objectAs<fb::core::Document>(arrivalId);
+    }
 
     QTemporaryDir m_dir;
     QString m_folder;
@@ -91,15 +100,18 @@ TEST_P(WorkspaceSafety, NeverOverwritesASaveAnotherProgramMadeDuringACall)
     arrival().setTitle(u"Ours"_s);
     // Meanwhile the desktop application saves its own edit of the same document.
     editOutside([](const QString &folder) {
-        writeFile(QDir(folder).filePath(arrivalFile),
-                  R"({"id": "6f1c0a52-0000-4000-8000-000000000001", "type": "document", "title": "Theirs"})");
+        writeFile(
+            QDir(folder).filePath(arrivalFile),
+            R"({"id": "6f1c0a52-0000-4000-8000-000000000001", "type": "document", "title": "Theirs"})");
     });
     const auto before = onDisk();
 
     const fb::app::SaveOutcome saved = m_workspace->save();
     EXPECT_TRUE(saved.isRefused());
-    const QString expected = isBundle() ? u"Another program saved the project file %1 since this server last read it."_s
-                                        : u"Another program changed %1 since this server last read it."_s;
+    const QString expected
+        = isBundle()
+              ? u"Another program saved the project file %1 since this server last read it."_s
+              : u"Another program changed %1 since this server last read it."_s;
     EXPECT_EQ(saved.message, expected.arg(QDir::toNativeSeparators(changedFile())) + retryAdvice());
     EXPECT_EQ(onDisk(), before);
     // The next call adopts the other program's save.
@@ -113,7 +125,8 @@ TEST_P(WorkspaceSafety, RefusesChangesWhileTheProjectCannotBeReadAndDestroysNoth
     const QString brokenFile = u"objects/6f1c0a52-0000-4000-8000-0000000000fe.json"_s;
     editOutside([&](const QString &folder) {
         writeFile(QDir(folder).filePath(newcomerFile), newcomer);
-        writeFile(QDir(folder).filePath(brokenFile), R"({"id": "6f1c0a52-0000-4000-8000-0000000000fe", "ty)");
+        writeFile(QDir(folder).filePath(brokenFile),
+                  R"({"id": "6f1c0a52-0000-4000-8000-0000000000fe", "ty)");
     });
     const auto before = onDisk();
     ASSERT_TRUE(m_workspace->hasExternalChange());
@@ -124,12 +137,14 @@ TEST_P(WorkspaceSafety, RefusesChangesWhileTheProjectCannotBeReadAndDestroysNoth
     EXPECT_EQ(arrival().title(), u"Arrival"_s);
     const auto writable = m_workspace->checkWritable();
     ASSERT_FALSE(writable);
-    const QString unreadable = isBundle() ? m_workspace->folder() + u'/' + brokenFile : QDir(m_folder).filePath(brokenFile);
-    EXPECT_EQ(writable.error(),
-              u"The project on disk cannot be read right now (Invalid JSON in file: %1), so no change is "
-              u"made until it can: the file may be half-written by another program, or come from a "
-              u"newer version. Reading tools show the project as it was last read."_s
-                  .arg(QDir::toNativeSeparators(unreadable)));
+    const QString unreadable = isBundle() ? m_workspace->folder() + u'/' + brokenFile
+                                          : QDir(m_folder).filePath(brokenFile);
+    EXPECT_EQ(
+        writable.error(),
+        u"The project on disk cannot be read right now (Invalid JSON in file: %1), so no change is "
+        u"made until it can: the file may be half-written by another program, or come from a "
+        u"newer version. Reading tools show the project as it was last read."_s.arg(
+            QDir::toNativeSeparators(unreadable)));
     arrival().setTitle(u"Ours"_s);
     EXPECT_TRUE(m_workspace->save().isRefused());
     EXPECT_EQ(onDisk(), before);
@@ -140,7 +155,8 @@ TEST_P(WorkspaceSafety, RefusesChangesWhileTheProjectCannotBeReadAndDestroysNoth
     ASSERT_TRUE(m_workspace->hasExternalChange());
     ASSERT_TRUE(m_workspace->reload());
     EXPECT_TRUE(m_workspace->checkWritable());
-    EXPECT_TRUE(m_workspace->project().contains(QUuid::fromString(u"6f1c0a52-0000-4000-8000-0000000000ff"_s)));
+    EXPECT_TRUE(m_workspace->project().contains(
+        QUuid::fromString(u"6f1c0a52-0000-4000-8000-0000000000ff"_s)));
 }
 
 TEST_P(WorkspaceSafety, OpensAReadOnlyProjectForReadingWithoutRewritingIt)
@@ -151,13 +167,18 @@ TEST_P(WorkspaceSafety, OpensAReadOnlyProjectForReadingWithoutRewritingIt)
     const auto before = onDisk();
     for (int open = 0; open < 2; ++open) {
         SCOPED_TRACE(open);
-        auto opened = isBundle() ? Workspace::openBundle(m_bundle, fb::app::StoragePaths::forBundle(m_bundle, u"workingcopies-mcp"_s))
-                                 : Workspace::openFolder(m_folder);
+        auto opened
+            = isBundle()
+                  ? Workspace::openBundle(m_bundle,
+                                          fb::app::StoragePaths::forBundle(m_bundle,
+                                                                           u"workingcopies-mcp"_s))
+                  : Workspace::openFolder(m_folder);
         ASSERT_TRUE(opened) << opened.error().toStdString();
         const auto writable = (*opened)->checkWritable();
         ASSERT_FALSE(writable);
-        EXPECT_EQ(writable.error(), u"The project is open for reading only: %1 cannot be written. Nothing was changed."_s.arg(
-                                        QDir::toNativeSeparators(locked)));
+        EXPECT_EQ(writable.error(),
+                  u"The project is open for reading only: %1 cannot be written. Nothing was changed."_s
+                      .arg(QDir::toNativeSeparators(locked)));
         (*opened)->project().objectAs<fb::core::Document>(arrivalId)->setTitle(u"Ours"_s);
         EXPECT_TRUE((*opened)->save().isRefused());
         EXPECT_EQ(onDisk(), before);
@@ -165,7 +186,8 @@ TEST_P(WorkspaceSafety, OpensAReadOnlyProjectForReadingWithoutRewritingIt)
     ::chmod(QFile::encodeName(locked).constData(), 0755);
 }
 
-INSTANTIATE_TEST_SUITE_P(FolderAndBundle, WorkspaceSafety, ::testing::Bool(), fb::test::folderOrBundle);
+INSTANTIATE_TEST_SUITE_P(FolderAndBundle, WorkspaceSafety, ::testing::Bool(),
+                         fb::test::folderOrBundle);
 
 TEST(BundleWorkingCopy, NeverPacksAWorkingCopyThatDiffersFromItsBundleIntoIt)
 {

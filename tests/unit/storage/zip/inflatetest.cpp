@@ -1,13 +1,14 @@
-#include "storage/zip/crc32.h"
 #include "storage/zip/inflate.h"
+
+#include "storage/zip/crc32.h"
 #include "support/printers.h"
 #include "unit/storage/zip/ziptestutil.h"
 
 #include <QRandomGenerator>
 
-#include <limits>
-
 #include <gtest/gtest.h>
+
+#include <limits>
 
 using namespace Qt::StringLiterals;
 using fb::app::inflate;
@@ -150,8 +151,7 @@ public:
         : m_input(input)
         , m_piece(inputPiece)
         , m_refuseAfter(refuseAfter)
-    {
-    }
+    {}
 
     QByteArrayView nextInput() override
     {

@@ -94,8 +94,8 @@ TEST(Zip64, WritesZip64FieldsOnlyForTheValuesThatNeedThem)
     }
 
     const qsizetype plain = zipformat::kEndRecordSize;
-    const qsizetype withZip64
-        = plain + zipformat::kZip64EndRecordSize + zipformat::kZip64LocatorSize;
+    const qsizetype withZip64 = plain + zipformat::kZip64EndRecordSize
+                                + zipformat::kZip64LocatorSize;
     EXPECT_EQ(zipformat::directoryEnd(65535, 100, 100).size(), plain);
     EXPECT_EQ(zipformat::directoryEnd(65536, 100, 100).size(), withZip64);
     EXPECT_EQ(zipformat::directoryEnd(1, 0xFFFFFFFF, 100).size(), withZip64);

@@ -70,10 +70,7 @@ public:
         return *this;
     }
 
-    QByteArray bytes() const
-    {
-        return m_pendingBits > 0 ? m_bytes + char(m_pending) : m_bytes;
-    }
+    QByteArray bytes() const { return m_pendingBits > 0 ? m_bytes + char(m_pending) : m_bytes; }
 
 private:
     QByteArray m_bytes;

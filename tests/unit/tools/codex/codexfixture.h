@@ -1,9 +1,8 @@
 #pragma once
 
-#include "support/toolfixture.h"
-
 #include "core/contentobjects.h"
 #include "core/project.h"
+#include "support/toolfixture.h"
 
 #include <QDir>
 #include <QJsonArray>

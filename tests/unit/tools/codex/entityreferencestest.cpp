@@ -1,5 +1,4 @@
 #include "codexfixture.h"
-
 #include "tools/codex/references.h"
 
 using fb::test::CodexFixture;
@@ -86,8 +85,7 @@ TEST_F(EntityReferences, DeleteLeavesReferencesDanglingUntilUndo)
 TEST_F(EntityReferences, DeletingADocumentMovesItsChildrenUpInPlace)
 {
     const auto before = files();
-    EXPECT_EQ(ok("delete_object", R"({"name": "Part One"})"),
-              u"Deleted the document 'Part One'."_s);
+    EXPECT_EQ(ok("delete_object", R"({"name": "Part One"})"), u"Deleted the document 'Part One'."_s);
     QStringList topLevel;
     for (const auto *document : project().childrenOf(QUuid()))
         topLevel.append(document->title());
@@ -153,7 +151,8 @@ TEST_F(EntityReferences, SplitCopiesTheChosenFieldsAndLeavesTheSource)
               "Divide the references between the two by hand."_s);
     EXPECT_EQ(ok("get_entity", R"({"name": "young mara"})"),
               u"# Young Mara (Characters)\nLifespan: 3 Seedmoon, Year 1224 AR -- unknown\n"
-              "Gallery: 0 image(s)\nFields:\n- Summary: A ferry pilot who smuggles letters.\n- Role: Smuggler\n"
+              "Gallery: 0 image(s)\nFields:\n- Summary: A ferry pilot who smuggles letters.\n- "
+              "Role: Smuggler\n"
               "- Home: Saltmere"_s);
     // Without dates to copy there is no lifespan to report.
     EXPECT_EQ(ok("split_entity", R"({"source_id": "e0de0000-0000-4000-8000-000000000006",

@@ -60,8 +60,11 @@ TEST_F(EntityTools, ExplainWhyAnEntityCannotBeShown)
         {R"({"name": "Veiled Sister"})", u"'Veiled Sister' is excluded from AI."_s},
         {R"({"id": "e0de0000-0000-4000-8000-000000000013"})",
          u"'Veiled Sister' is excluded from AI."_s},
-        {R"({"name": "chapter one"})", u"'Chapter One' is not an entity."_s},
-        {R"({"name": "Mara V"})", u"No object named 'Mara V' exists."_s},
+        // Only entities are looked for, so a document's title finds nothing.
+        {R"({"name": "chapter one"})", u"No entity named 'chapter one' exists."_s},
+        {R"({"id": "d0de0000-0000-4000-8000-000000000002"})",
+         u"The id 'd0de0000-0000-4000-8000-000000000002' is not an entity."_s},
+        {R"({"name": "Mara V"})", u"No entity named 'Mara V' exists."_s},
         {R"({"id": "{00000000-0000-0000-0000-000000000000}"})",
          u"'{00000000-0000-0000-0000-000000000000}' is not a valid id."_s},
     };
@@ -155,9 +158,8 @@ TEST_F(EntityTools, MoveAnEntityIntoANewCategoryThatGetsItsFields)
     EXPECT_EQ(ok("update_entity",
                  R"({"entity": "tide song", "category": " Songs ", "fields": {"Key": "D minor"}})"),
               u"Updated 'Tide Song': 1 field(s), moved to 'Songs'."_s);
-    EXPECT_EQ(
-        ok("get_category", R"({"category": "songs"})").section(u'\n', 3),
-        u"- Entities: 1\n- Fields (2):\n  - Summary [text] (summary)\n  - Key [text] (key)"_s);
+    EXPECT_EQ(ok("get_category", R"({"category": "songs"})").section(u'\n', 3),
+              u"- Entities: 1\n- Fields (2):\n  - Summary [text] (summary)\n  - Key [text] (key)"_s);
     ok("undo_last");
     EXPECT_EQ(files(), before);
 }
@@ -189,8 +191,9 @@ TEST_F(EntityTools, RefuseAnUpdateWholeEvenWhenPartOfItIsValid)
          u"'NaMe' is a built-in entity property, not a custom field; set it with update_entity's "
          "own argument (e.g. \"new_name\" to rename, \"category\" to move), not inside "
          "\"fields\"."_s},
-        {R"({"entity": "Mara", "new_name": "Renamed", "fields": {"Age": "27"}})",
-         u"Field 'Age' exists with a non-text type; use \"references\" for a Reference field."_s},
+        {R"({"entity": "Mara", "new_name": "Renamed", "fields": {"Mentor": "Tobin Ash"}})",
+         u"Field 'Mentor' exists with a non-text type; use \"references\" for a Reference "
+         "field."_s},
         {R"({"entity": "Mara", "new_name": "Renamed", "references": {"Summary": "Tobin Ash"}})",
          u"Field 'Summary' exists but is not a Reference field."_s},
         {R"({"entity": "Mara", "new_name": "Renamed", "references": {"Mentor": " "}})",
@@ -205,6 +208,10 @@ TEST_F(EntityTools, RefuseAnUpdateWholeEvenWhenPartOfItIsValid)
          "e1b00000-0000-4000-8000-000000000002)\nPass \"id\" with the one you mean."_s},
         {R"({"entity": "Mara", "new_name": "Renamed", "timed_values": ["role"]})",
          u"\"timed_values\" must be an array of {field, when, value} objects."_s},
+        {R"({"entity": "Mara", "new_name": "Renamed", "timed_values": {"field": "role"}})",
+         u"\"timed_values\" must be an array of {field, when, value} objects."_s},
+        {R"({"entity": "Mara", "new_name": "Renamed", "timed_values": [{"field": 7, "when": "1250"}]})",
+         u"\"timed_values[0].field\" must be a string."_s},
         {R"({"entity": "Mara", "new_name": "Renamed", "timed_values": [{"field": "role"}]})",
          u"Every timed value needs a non-empty \"field\" and \"when\"."_s},
         {R"({"entity": "Mara", "new_name": "Renamed",
@@ -281,7 +288,7 @@ TEST_F(EntityTools, IncludeAnExcludedObjectAgain)
               "Fields:\n- Summary: Secret."_s);
     // The excluded chapter no longer counts as a mention of Pell.
     EXPECT_TRUE(ok("get_entity", R"({"name": "Pell"})").endsWith(u"\n- Mentor: The Smuggler"));
-    EXPECT_EQ(fails("set_ai_exclusion", R"({"name": "Pell", "excluded": "yes"})"),
+    EXPECT_EQ(fails("set_ai_exclusion", R"({"name": "Pell"})"),
               u"set_ai_exclusion needs \"excluded\" (true to hide the object from AI, false to "
               "include it again)."_s);
     EXPECT_EQ(fails("set_ai_exclusion", R"({"excluded": true})"),
@@ -304,9 +311,9 @@ TEST_F(EntityTools, RestrictAnObjectToAudiencesAndRegisterNewOnes)
     // The same request again already holds and is not applied a second time.
     EXPECT_EQ(ok("set_visibility", restrict),
               u"'Mara Vell' is now visible only to: Editors, Beta readers."_s);
-    EXPECT_EQ(
-        ok("set_visibility", R"({"id": "e0de0000-0000-4000-8000-000000000001", "audiences": []})"),
-        u"'Mara Vell' is now visible to everyone."_s);
+    EXPECT_EQ(ok("set_visibility",
+                 R"({"id": "e0de0000-0000-4000-8000-000000000001", "audiences": []})"),
+              u"'Mara Vell' is now visible to everyone."_s);
     EXPECT_TRUE(entity(u"Mara Vell"_s)->visibleTo().isEmpty());
     EXPECT_EQ(fails("set_visibility", R"({"name": "Mara"})"),
               u"set_visibility needs \"audiences\" (an array of audience names; empty means "

@@ -1,6 +1,8 @@
+#include "tools/codex/mentions.h"
+
 #include "core/document.h"
 #include "core/project.h"
-#include "tools/codex/mentions.h"
+#include "tools/common/manuscript.h"
 
 #include <QElapsedTimer>
 
@@ -15,8 +17,7 @@ namespace {
 using fb::core::Document;
 using fb::core::Project;
 
-Document *addDocument(Project &project, const QString &title, const QString &body,
-                      int sortIndex = 0)
+Document *addDocument(Project &project, const QString &title, const QString &body, int sortIndex = 0)
 {
     auto document = std::make_unique<Document>(title);
     document->setBody(body);
@@ -59,7 +60,8 @@ TEST(Mentions, MatchWholeNamesInAnyCase)
         SCOPED_TRACE(c.name);
         Project project;
         addDocument(project, u"Scene"_s, c.body);
-        EXPECT_EQ(fb::app::documentsMentioning(project, c.names).size(), c.mentioned ? 1u : 0u);
+        EXPECT_EQ(fb::app::documentsMentioning(fb::app::visibleManuscript(project), c.names).size(),
+                  c.mentioned ? 1u : 0u);
     }
 }
 
@@ -84,7 +86,7 @@ TEST(Mentions, ScanALargeManuscriptOnce)
 
     QElapsedTimer timer;
     timer.start();
-    const auto found = fb::app::documentsMentioning(project, names);
+    const auto found = fb::app::documentsMentioning(fb::app::visibleManuscript(project), names);
     const qint64 elapsed = timer.elapsed();
     std::cout << "[ TIMING   ] 2000 documents scanned in " << elapsed << " ms\n";
     EXPECT_EQ(found.size(), 200u);

@@ -1,8 +1,7 @@
-#include "reviewedproject.h"
-
 #include "core/document.h"
 #include "core/entity.h"
 #include "core/project.h"
+#include "reviewedproject.h"
 
 #include <QDir>
 #include <QElapsedTimer>
@@ -20,23 +19,22 @@ using SearchTool = fb::test::ReviewedProject;
 
 TEST_F(OverviewTools, ShowsTheProjectAtAGlanceWithoutWhatIsWithheld)
 {
-    const QString missing = QDir::toNativeSeparators(sibling(QStringLiteral("reviewedmissing")));
+    const QString missing = QDir::toNativeSeparators(sibling(u"reviewedmissing"_s));
     EXPECT_EQ(ok("get_project_overview"),
-              QStringLiteral("## Contents\n- document: 4\n- entity: 4\n- comment: 5\n\n"
-                             "## Categories\n- Characters (1)\n  - Crew (1)\n- Places (1)\n\n"
-                             "## Calendar\n3 months, 135 days per year, era 'AL'.\n\n"
-                             "Audiences: Beta readers, Editor.\n\n"
-                             "## Mounted libraries\n"
-                             "- Lore Library -- ../reviewedlibrary, 3 object(s) (read-only)\n"
-                             "- Lost Atlas -- not available: The library folder is missing or is "
-                             "not a project: %1 (read/write)")
-                  .arg(missing));
+              u"## Contents\n- document: 4\n- entity: 4\n- comment: 5\n\n"
+              "## Categories\n- Characters (1)\n  - Crew (1)\n- Places (1)\n\n"
+              "## Calendar\n3 months, 135 days per year, era 'AL'.\n\n"
+              "Audiences: Beta readers, Editor.\n\n"
+              "## Mounted libraries\n"
+              "- Lore Library -- ../reviewedlibrary, 3 object(s) (read-only)\n"
+              "- Lost Atlas -- not available: The library folder is missing or is "
+              "not a project: %1 (read/write)"_s.arg(missing));
 }
 
 TEST_F(OverviewTools, ReportsALibraryThatCannotBeReadAndKeepsServing)
 {
-    QDir().mkpath(sibling(QStringLiteral("reviewedmissing")));
-    QFile broken(sibling(QStringLiteral("reviewedmissing/project.json")));
+    QDir().mkpath(sibling(u"reviewedmissing"_s));
+    QFile broken(sibling(u"reviewedmissing/project.json"_s));
     ASSERT_TRUE(broken.open(QIODevice::WriteOnly));
     broken.write("{ not json");
     broken.close();
@@ -44,29 +42,31 @@ TEST_F(OverviewTools, ReportsALibraryThatCannotBeReadAndKeepsServing)
 
     // The reader's own reason, not the missing-folder one.
     const QString line = ok("get_project_overview").split(u'\n').last();
-    EXPECT_TRUE(line.startsWith(QStringLiteral("- Lost Atlas -- not available: ")));
-    EXPECT_TRUE(line.endsWith(QStringLiteral(" (read/write)")));
-    EXPECT_FALSE(line.contains(QStringLiteral("is missing"))) << line.toStdString();
+    EXPECT_TRUE(line.startsWith(u"- Lost Atlas -- not available: "_s));
+    EXPECT_TRUE(line.endsWith(u" (read/write)"_s));
+    EXPECT_FALSE(line.contains(u"is missing"_s)) << line.toStdString();
     // The readable library is still searched.
     EXPECT_EQ(ok("search", args({{"query", "bestiary"}})),
-              QStringLiteral("- Bestiary (document, library 'Lore Library')"));
+              u"- Bestiary (document, library 'Lore Library')"_s);
 }
 
 class EmptyProject : public fb::test::ToolFixture
 {
 protected:
-    EmptyProject() : ToolFixture(QStringLiteral("projects/minimal")) {}
+    EmptyProject()
+        : ToolFixture(u"projects/minimal"_s)
+    {}
 };
 
 TEST_F(EmptyProject, SaysWhatIsNotThereYet)
 {
-    EXPECT_EQ(ok(QStringLiteral("get_project_overview")),
-              QStringLiteral("## Contents\nThe project is empty so far.\n\n"
-                             "## Categories\nNo categories yet.\n\n"
-                             "## Calendar\n12 months, 365 days per year, no era label.\n\n"
-                             "Audiences: none.\n\n"
-                             "## Mounted libraries\nNo mounted libraries."));
-    EXPECT_EQ(ok(QStringLiteral("list_comments")), QStringLiteral("No comments yet."));
+    EXPECT_EQ(ok(u"get_project_overview"_s),
+              u"## Contents\nThe project is empty so far.\n\n"
+              "## Categories\nNo categories yet.\n\n"
+              "## Calendar\n12 months, 365 days per year, no era label.\n\n"
+              "Audiences: none.\n\n"
+              "## Mounted libraries\nNo mounted libraries."_s);
+    EXPECT_EQ(ok(u"list_comments"_s), u"No comments yet."_s);
 }
 
 TEST_F(SearchTool, FindsTitlesAliasesAndBodiesButNothingWithheld)
@@ -78,43 +78,42 @@ TEST_F(SearchTool, FindsTitlesAliasesAndBodiesButNothingWithheld)
     } cases[] = {
         // Titles first, then body hits; the open project before the library. The excluded draft,
         // the scene below it and the library's excluded entity mention the harbour too.
-        {"  HARBOUR ",
-         QStringLiteral("- Greywater Harbour (entity in Places)\n"
-                        "- Harbour Master (entity in uncategorized)\n"
-                        "- Harbour Wyrm (entity in Creatures, library 'Lore Library')\n"
-                        "- The Ferry (document) -- Mara watched the grey water of the harbour.\n"
-                        "- Notes (document) -- Harbour research: tides, ropes.\n"
-                        "- Bestiary (document, library 'Lore Library') -- Wyrms nest under the "
-                        "harbour wall.")},
-        {"heron", QStringLiteral("- Mara Vell (entity in Crew) -- alias 'The Heron'")},
-        {"serpent", QStringLiteral("- Harbour Wyrm (entity in Creatures, library 'Lore Library') "
-                                   "-- alias 'Sea Serpent'")},
+        {"  HARBOUR ", u"- Greywater Harbour (entity in Places)\n"
+                       "- Harbour Master (entity in uncategorized)\n"
+                       "- Harbour Wyrm (entity in Creatures, library 'Lore Library')\n"
+                       "- The Ferry (document) -- Mara watched the grey water of the harbour.\n"
+                       "- Notes (document) -- Harbour research: tides, ropes.\n"
+                       "- Bestiary (document, library 'Lore Library') -- Wyrms nest under the "
+                       "harbour wall."_s},
+        {"heron", u"- Mara Vell (entity in Crew) -- alias 'The Heron'"_s},
+        {"serpent", u"- Harbour Wyrm (entity in Creatures, library 'Lore Library') "
+                    "-- alias 'Sea Serpent'"_s},
         // A title hit on a document still shows where its body mentions the query.
-        {"ferry", QStringLiteral("- The Ferry (document) -- # The Ferry")},
+        {"ferry", u"- The Ferry (document) -- # The Ferry"_s},
         // Context stops at the line, at word boundaries, at most 60 characters either side.
-        {"manifest", QStringLiteral("- The Ferry (document) -- ...the crates twice, because the "
-                                    "numbers never agreed with the manifest he had been given at "
-                                    "the quay.")},
-        {"lantern", QStringLiteral("- The Ferry (document) -- The lantern swung above the deck "
-                                   "while Tobin counted the crates twice,...")},
+        {"manifest", u"- The Ferry (document) -- ...the crates twice, because the "
+                     "numbers never agreed with the manifest he had been given at "
+                     "the quay."_s},
+        {"lantern", u"- The Ferry (document) -- The lantern swung above the deck "
+                    "while Tobin counted the crates twice,..."_s},
         // Rich text is searched as its plain text: entities decoded, styles and tags gone.
-        {"water & the", QStringLiteral("- Night Crossing (document) -- The lighthouse beam swept "
-                                       "the water & the rocks.")},
-        {"color", QStringLiteral("No matches for 'color'.")},
+        {"water & the", u"- Night Crossing (document) -- The lighthouse beam swept "
+                        "the water & the rocks."_s},
+        {"color", u"No matches for 'color'."_s},
         // Only withheld objects hold these: an excluded entity's alias, an excluded library
         // entity's alias, the bodies of an excluded document and of the scene below it.
-        {"nightjar", QStringLiteral("No matches for 'nightjar'.")},
-        {"ghost", QStringLiteral("No matches for 'ghost'.")},
-        {"secret", QStringLiteral("No matches for 'secret'.")},
-        {"hidden scene", QStringLiteral("No matches for 'hidden scene'.")},
-        {"%1 and %2", QStringLiteral("No matches for '%1 and %2'.")},
+        {"nightjar", u"No matches for 'nightjar'."_s},
+        {"ghost", u"No matches for 'ghost'."_s},
+        {"secret", u"No matches for 'secret'."_s},
+        {"hidden scene", u"No matches for 'hidden scene'."_s},
+        {"%1 and %2", u"No matches for '%1 and %2'."_s},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.query);
         EXPECT_EQ(ok("search", args({{"query", c.query}})), c.answer);
     }
     for (const QJsonObject &empty : {args({{"query", "   "}}), args({})})
-        EXPECT_EQ(fails("search", empty), QStringLiteral("search needs a non-empty \"query\"."));
+        EXPECT_EQ(fails("search", empty), u"search needs a non-empty \"query\"."_s);
 }
 
 TEST_F(SearchTool, CapsAtFiftyLinesAndCountsEveryMatch)
@@ -126,21 +125,22 @@ TEST_F(SearchTool, CapsAtFiftyLinesAndCountsEveryMatch)
         QString last;
     } cases[] = {
         // Titles and the body of The Ferry: exactly the cap, so no note.
-        {49, 50, QStringLiteral("- The Ferry (document) -- The lantern swung above the deck "
-                                "while Tobin counted the crates twice,...")},
+        {49, 50,
+         u"- The Ferry (document) -- The lantern swung above the deck "
+         "while Tobin counted the crates twice,..."_s},
         // More titles push the body hit past the cap, where it is still counted.
-        {55, 51, QStringLiteral("Showing 50 of 56 matches; refine the query to see the rest.")},
+        {55, 51, u"Showing 50 of 56 matches; refine the query to see the rest."_s},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.titles);
         for (int i = 0; i < c.titles; ++i) {
             workspace().project().addObject(
-                std::make_unique<fb::core::Document>(QStringLiteral("Lantern %1").arg(i)));
+                std::make_unique<fb::core::Document>(u"Lantern %1"_s.arg(i)));
         }
         const QStringList lines = ok("search", args({{"query", "lantern"}})).split(u'\n');
         EXPECT_EQ(lines.size(), c.lines);
         EXPECT_EQ(lines.last(), c.last);
-        EXPECT_TRUE(lines.first().startsWith(QStringLiteral("- Lantern ")));
+        EXPECT_TRUE(lines.first().startsWith(u"- Lantern "_s));
         reload();
     }
 }
@@ -152,9 +152,8 @@ class BigProjectSearch : public fb::test::ReviewedProject
 protected:
     BigProjectSearch()
     {
-        const QStringList words = QStringLiteral("the sea lorem grey harbour rope tide lantern deck "
-                                                 "crate wind salt gull mast oar storm bell quay")
-                                      .split(u' ');
+        const QStringList words = u"the sea lorem grey harbour rope tide lantern deck "
+                                  "crate wind salt gull mast oar storm bell quay"_s.split(u' ');
         quint32 seed = 12345;
         fb::core::Project &project = workspace().project();
         for (int i = 0; i < 2000; ++i) {
@@ -165,7 +164,7 @@ protected:
                 body += w % 12 == 11 ? u'\n' : u' ';
             }
             if (i % 97 == 0)
-                body += QStringLiteral("quillfeather");
+                body += u"quillfeather"_s;
             if (i % 4 == 0)
                 body = u"<!DOCTYPE html><html><body><p>"_s + body + u"</p></body></html>"_s;
             auto document = std::make_unique<fb::core::Document>(u"Scene %1"_s.arg(i));
@@ -173,8 +172,8 @@ protected:
             project.addObject(std::move(document));
         }
         for (int i = 0; i < 5000; ++i) {
-            auto entity = std::make_unique<fb::core::Entity>(QStringLiteral("Entity %1").arg(i));
-            entity->setAliases({QStringLiteral("Alias %1").arg(i)});
+            auto entity = std::make_unique<fb::core::Entity>(u"Entity %1"_s.arg(i));
+            entity->setAliases({u"Alias %1"_s.arg(i)});
             project.addObject(std::move(entity));
         }
     }
@@ -189,10 +188,9 @@ TEST_F(BigProjectSearch, StaysFastOnANovelistsProject)
         QString ending;
     } cases[] = {
         // Every 97th scene ends with the rare word: 21 in all.
-        {"quillfeather", 21, QStringLiteral("quillfeather")},
-        {"LOREM", 51,
-         QStringLiteral("Showing 50 of 2000 matches; refine the query to see the rest.")},
-        {"zzz", 1, QStringLiteral("No matches for 'zzz'.")},
+        {"quillfeather", 21, u"quillfeather"_s},
+        {"LOREM", 51, u"Showing 50 of 2000 matches; refine the query to see the rest."_s},
+        {"zzz", 1, u"No matches for 'zzz'."_s},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.query);

@@ -24,7 +24,8 @@ inline QJsonObject args(std::initializer_list<std::pair<const char *, QJsonValue
 class ReviewedProject : public ToolFixture
 {
 protected:
-    ReviewedProject() : ToolFixture(QStringLiteral("projects/reviewed"))
+    ReviewedProject()
+        : ToolFixture(QStringLiteral("projects/reviewed"))
     {
         copyFolder(QStringLiteral(FB_TEST_DATA_DIR "/projects/reviewedlibrary"),
                    sibling(QStringLiteral("reviewedlibrary")));
