@@ -239,6 +239,33 @@ int main(int argc, char **argv)
                 return server.call(u"get_entity"_s, {{u"name"_s, u"Entity %1"_s.arg(100 + i)}});
             });
         }
+        if (tools.contains(u"get_timeline"_s)) {
+            measure(u"\"get_timeline\" (2,000 events)"_s, runs, [&](int) {
+                return server.call(u"get_timeline"_s, {{u"timeline"_s, u"Main timeline"_s}});
+            });
+            measure(u"\"create_timeline_event\""_s, runs, [&](int i) {
+                return server.call(u"create_timeline_event"_s,
+                                   {{u"title"_s, u"Bench event %1"_s.arg(i)},
+                                    {u"when"_s, u"%1"_s.arg(1200 + i)},
+                                    {u"participants"_s, QJsonArray{u"Entity %1"_s.arg(i + 1)}},
+                                    {u"timeline"_s, u"Main timeline"_s}});
+            });
+        }
+        if (tools.contains(u"get_spreadsheet"_s)) {
+            measure(u"\"get_spreadsheet\" (200 rows of formulas)"_s, runs, [&](int) {
+                return server.call(u"get_spreadsheet"_s, {{u"spreadsheet"_s, u"Ledger"_s}});
+            });
+            measure(u"\"update_spreadsheet\""_s, runs, [&](int i) {
+                return server.call(u"update_spreadsheet"_s,
+                                   {{u"spreadsheet"_s, u"Ledger"_s},
+                                    {u"cells"_s, QJsonObject{{u"B%1"_s.arg(i + 1), u"%1"_s.arg(i)},
+                                                             {u"K1"_s, u"=J201/2"_s}}}});
+            });
+        }
+        if (tools.contains(u"list_tasks"_s)) {
+            measure(u"\"list_tasks\" (500 tasks)"_s, runs,
+                    [&](int) { return server.call(u"list_tasks"_s, {}); });
+        }
         measure(u"\"append_to_document\" (folder)"_s, runs * 3, [&](int i) {
             return server.call(u"append_to_document"_s,
                                {{u"title"_s, u"Scene %1.%2"_s.arg(i % 10 + 1).arg(i % 9 + 1)},

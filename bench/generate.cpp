@@ -31,11 +31,12 @@ struct Size
     int entities;
     int events;
     int tasks;
+    int ledgerRows;
 };
 
-const Size smallSize{10, 9, 500, 5, 250, 100, 25};
+const Size smallSize{10, 9, 500, 5, 250, 100, 25, 20};
 // 100 chapters of 19 scenes: 2,000 documents holding about 1,000,000 words.
-const Size largeSize{100, 19, 526, 20, 5000, 2000, 500};
+const Size largeSize{100, 19, 526, 20, 5000, 2000, 500, 200};
 
 class Generator
 {
@@ -83,6 +84,29 @@ public:
 private:
     std::mt19937_64 m_random;
 };
+
+// A sheet of figures as a writer keeps one: a label and eight amounts per row, a formula summing
+// each row, and a closing row of column totals that reads every cell above it.
+std::unique_ptr<core::Spreadsheet> ledger(Generator &gen, int rows)
+{
+    auto sheet = std::make_unique<core::Spreadsheet>(u"Ledger"_s, gen.id());
+    sheet->setRowCount(rows + 2);
+    sheet->setColumnCount(11);
+    QMap<core::CellAddress, QString> cells;
+    for (int r = 0; r < rows; ++r) {
+        cells.insert({r, 0}, u"Item %1"_s.arg(r + 1));
+        for (int c = 1; c <= 8; ++c)
+            cells.insert({r, c}, QString::number(gen.below(1000)));
+        cells.insert({r, 9}, u"=SUM(B%1:I%1)"_s.arg(r + 1));
+    }
+    cells.insert({rows, 0}, u"Total"_s);
+    for (int c = 1; c <= 9; ++c) {
+        const QChar column(u'A' + c);
+        cells.insert({rows, c}, u"=SUM(%11:%1%2)"_s.arg(column).arg(rows));
+    }
+    sheet->setCells(cells);
+    return sheet;
+}
 
 std::unique_ptr<core::Project> buildProject(const Size &size)
 {
@@ -145,6 +169,7 @@ std::unique_ptr<core::Project> buildProject(const Size &size)
         event->setDescription(gen.words(25));
         project->addObject(std::move(event));
     }
+    project->addObject(ledger(gen, size.ledgerRows));
     for (int t = 0; t < size.tasks; ++t) {
         auto task = std::make_unique<core::Task>(u"Task %1"_s.arg(t + 1), gen.id());
         task->setDescription(gen.words(15));

@@ -23,9 +23,24 @@ void registerMcpDocumentTools(McpServer &server, ToolContext &context)
     registerTools(server, context, documentTools());
 }
 
+void registerTimelineTools(McpServer &server, ToolContext &context)
+{
+    registerTools(server, context, timelineTools());
+}
+
 void registerCalendarTools(McpServer &server, ToolContext &context)
 {
     registerTools(server, context, calendarTools());
+}
+
+void registerSpreadsheetTools(McpServer &server, ToolContext &context)
+{
+    registerTools(server, context, spreadsheetTools());
+}
+
+void registerPlanningTools(McpServer &server, ToolContext &context)
+{
+    registerTools(server, context, planningTools());
 }
 
 // The families come in a fixed order: core, codex, documents, timelines, the calendar,
@@ -36,7 +51,10 @@ void registerAllTools(McpServer &server, ToolContext &context)
     registerMcpCoreTools(server, context);
     registerMcpWorldTools(server, context);
     registerMcpDocumentTools(server, context);
+    registerTimelineTools(server, context);
     registerCalendarTools(server, context);
+    registerSpreadsheetTools(server, context);
+    registerPlanningTools(server, context);
 }
 
 std::vector<ToolFamily> toolFamilies()
@@ -45,7 +63,10 @@ std::vector<ToolFamily> toolFamilies()
         {u"Project"_s, coreTools()},
         {u"Codex"_s, codexTools()},
         {u"Manuscript"_s, documentTools()},
+        {u"Timelines and eras"_s, timelineTools()},
         {u"Story calendar"_s, calendarTools()},
+        {u"Spreadsheets"_s, spreadsheetTools()},
+        {u"Planning"_s, planningTools()},
     };
 }
 

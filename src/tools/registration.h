@@ -13,14 +13,20 @@ class ToolContext;
 std::vector<ToolDefinition> coreTools();
 std::vector<ToolDefinition> codexTools();
 std::vector<ToolDefinition> documentTools();
+std::vector<ToolDefinition> timelineTools();
 std::vector<ToolDefinition> calendarTools();
+std::vector<ToolDefinition> spreadsheetTools();
+std::vector<ToolDefinition> planningTools();
 
 // Each family's registration, in the order the server registers them (the order of
 // "tools/list").
 void registerMcpCoreTools(McpServer &server, ToolContext &context);
 void registerMcpWorldTools(McpServer &server, ToolContext &context);
 void registerMcpDocumentTools(McpServer &server, ToolContext &context);
+void registerTimelineTools(McpServer &server, ToolContext &context);
 void registerCalendarTools(McpServer &server, ToolContext &context);
+void registerSpreadsheetTools(McpServer &server, ToolContext &context);
+void registerPlanningTools(McpServer &server, ToolContext &context);
 
 // Every family in its order; what the server and the tests both register.
 void registerAllTools(McpServer &server, ToolContext &context);

@@ -31,6 +31,7 @@ QString typeName(ArgumentType type)
         return u"object"_s;
     case ArgumentType::TextList:
     case ArgumentType::RecordList:
+    case ArgumentType::Table:
         return u"array"_s;
     }
     return u"string"_s;
@@ -54,6 +55,8 @@ QString expectedForm(ArgumentType type)
         return u"an array of strings"_s;
     case ArgumentType::RecordList:
         return u"an array of JSON objects"_s;
+    case ArgumentType::Table:
+        return u"an array of arrays"_s;
     }
     return QString();
 }
@@ -84,6 +87,7 @@ bool hasType(const QJsonValue &value, ArgumentType type)
         return value.isObject();
     case ArgumentType::TextList:
     case ArgumentType::RecordList:
+    case ArgumentType::Table:
         return value.isArray();
     }
     return false;
@@ -108,6 +112,11 @@ Result<void> checkElements(const ArgumentDeclaration &declaration, const QJsonAr
     const QString elementRefusal = declaration.elementRefusal;
     for (qsizetype i = 0; i < items.size(); ++i) {
         const QJsonValue item = items.at(i);
+        if (declaration.type == ArgumentType::Table) {
+            if (!item.isArray())
+                return makeError(elementRefusal.isEmpty() ? listRefusal : elementRefusal);
+            continue;
+        }
         const bool isText = declaration.type == ArgumentType::TextList;
         if (isText ? !item.isString() : !item.isObject())
             return makeError(elementRefusal.isEmpty() ? listRefusal : elementRefusal);
@@ -135,7 +144,8 @@ Result<void> checkTypes(const QList<ArgumentDeclaration> &declarations, const QJ
                                                                : declaration.typeRefusal);
         }
         if (declaration.type != ArgumentType::TextList
-            && declaration.type != ArgumentType::RecordList)
+            && declaration.type != ArgumentType::RecordList
+            && declaration.type != ArgumentType::Table)
             continue;
         if (Result<void> checked = checkElements(declaration, value.toArray(), path); !checked)
             return checked;
@@ -153,6 +163,12 @@ QJsonObject propertyOf(const ArgumentDeclaration &declaration)
         property.insert("items"_L1, QJsonObject{{"type"_L1, u"string"_s}});
     if (declaration.type == ArgumentType::RecordList)
         property.insert("items"_L1, inputSchemaOf(declaration.fields));
+    // A table's rows hold cell texts.
+    if (declaration.type == ArgumentType::Table) {
+        property.insert("items"_L1,
+                        QJsonObject{{"type"_L1, u"array"_s},
+                                    {"items"_L1, QJsonObject{{"type"_L1, u"string"_s}}}});
+    }
     return property;
 }
 
@@ -238,6 +254,11 @@ ArgumentDeclaration requiredRecordList(const QString &name, const QString &descr
     ArgumentDeclaration declaration = optionalRecordList(name, description, fields);
     declaration.isRequired = true;
     return declaration;
+}
+
+ArgumentDeclaration optionalTable(const QString &name, const QString &description)
+{
+    return declare(name, ArgumentType::Table, description, false);
 }
 
 ArgumentDeclaration withTypeRefusal(ArgumentDeclaration declaration, const QString &refusal)
@@ -366,6 +387,14 @@ QList<QJsonObject> ToolArguments::records(const QString &name) const
     for (const QJsonValue &item : value(name, ArgumentType::RecordList).toArray())
         list.append(item.toObject());
     return list;
+}
+
+QList<QJsonArray> ToolArguments::table(const QString &name) const
+{
+    QList<QJsonArray> rows;
+    for (const QJsonValue &row : value(name, ArgumentType::Table).toArray())
+        rows.append(row.toArray());
+    return rows;
 }
 
 } // namespace fb::app

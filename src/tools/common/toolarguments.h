@@ -13,7 +13,9 @@
 namespace fb::app {
 
 // The JSON types a tool argument can have.
-enum class ArgumentType { Text, Integer, Number, Boolean, Object, TextList, RecordList };
+// A table is an array of rows, each an array of cell values; the kit checks that much of its
+// shape, and the tool reads the cells, whose forms it knows.
+enum class ArgumentType { Text, Integer, Number, Boolean, Object, TextList, RecordList, Table };
 
 // One argument a tool takes. A tool names its arguments once, as a list of these: the input
 // schema that "tools/list" publishes and the reader its handler uses both come from that list,
@@ -55,6 +57,7 @@ ArgumentDeclaration optionalRecordList(const QString &name, const QString &descr
                                        const QList<ArgumentDeclaration> &fields);
 ArgumentDeclaration requiredRecordList(const QString &name, const QString &description,
                                        const QList<ArgumentDeclaration> &fields);
+ArgumentDeclaration optionalTable(const QString &name, const QString &description);
 
 // The declaration with its own refusal for a value of the wrong form, and for a malformed list
 // element.
@@ -94,6 +97,8 @@ public:
     QStringList textList(const QString &name) const;
     // Each record of a record list, its fields checked like arguments.
     QList<QJsonObject> records(const QString &name) const;
+    // Each row of a table.
+    QList<QJsonArray> table(const QString &name) const;
 
 private:
     ToolArguments(const QList<ArgumentDeclaration> &declarations, QJsonObject json);

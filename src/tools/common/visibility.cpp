@@ -3,6 +3,8 @@
 #include "core/comment.h"
 #include "core/document.h"
 #include "core/project.h"
+#include "core/timeline.h"
+#include "core/timelineevent.h"
 #include "storage/workspace.h"
 
 #include <QHash>
@@ -37,6 +39,12 @@ bool isBelowExclusion(const core::Project &project, const core::Document &docume
     return decided.value(&document, document.isAiExcluded());
 }
 
+bool isOnExcludedTimeline(const core::Project &project, const core::TimelineEvent &event)
+{
+    const auto *timeline = project.objectAs<core::Timeline>(event.timelineId());
+    return timeline && timeline->isAiExcluded();
+}
+
 } // namespace
 
 Visibility::Visibility(const Workspace &workspace)
@@ -53,8 +61,10 @@ void Visibility::collect(const core::Project &project)
     QHash<const core::Document *, bool> decided;
     for (const core::ContentObject *object : project.objects()) {
         const auto *document = core::objectCast<core::Document>(object);
+        const auto *event = core::objectCast<core::TimelineEvent>(object);
         const bool withheld = object->isAiExcluded()
-                              || (document && isBelowExclusion(project, *document, decided));
+                              || (document && isBelowExclusion(project, *document, decided))
+                              || (event && isOnExcludedTimeline(project, *event));
         if (withheld) {
             m_withheld.insert(object);
             m_withheldIds.insert(object->id());

@@ -19,6 +19,7 @@ class Workspace;
 // - so is every document below an excluded document (excluding a chapter withholds its
 //   scenes), following the parent links that lead to existing documents: a document whose
 //   parent is missing stands at the top of the manuscript, visible unless excluded itself;
+// - so is every event on an excluded timeline, which would tell what the timeline holds;
 // - and so is every comment on a withheld object, whose remarks would tell what it holds.
 // Everything else is visible. Worked out in one pass over the objects, so each test is a set
 // lookup.
