@@ -38,9 +38,25 @@ void registerSpreadsheetTools(McpServer &server, ToolContext &context)
     registerTools(server, context, spreadsheetTools());
 }
 
+void registerSourceTools(McpServer &server, ToolContext &context)
+{
+    registerTools(server, context, sourceTools());
+}
+
 void registerPlanningTools(McpServer &server, ToolContext &context)
 {
     registerTools(server, context, planningTools());
+}
+
+void registerLanguageTools(McpServer &server, ToolContext &context)
+{
+    registerTools(server, context, languageTools());
+}
+
+// Dice, random tables and encounters, then stat blocks.
+void registerTtrpgTools(McpServer &server, ToolContext &context)
+{
+    registerTools(server, context, ttrpgTools());
 }
 
 // The families come in a fixed order: core, codex, documents, timelines, the calendar,
@@ -54,7 +70,10 @@ void registerAllTools(McpServer &server, ToolContext &context)
     registerTimelineTools(server, context);
     registerCalendarTools(server, context);
     registerSpreadsheetTools(server, context);
+    registerSourceTools(server, context);
     registerPlanningTools(server, context);
+    registerLanguageTools(server, context);
+    registerTtrpgTools(server, context);
 }
 
 std::vector<ToolFamily> toolFamilies()
@@ -66,7 +85,10 @@ std::vector<ToolFamily> toolFamilies()
         {u"Timelines and eras"_s, timelineTools()},
         {u"Story calendar"_s, calendarTools()},
         {u"Spreadsheets"_s, spreadsheetTools()},
+        {u"Research sources"_s, sourceTools()},
         {u"Planning"_s, planningTools()},
+        {u"Constructed languages"_s, languageTools()},
+        {u"Game material"_s, ttrpgTools()},
     };
 }
 

@@ -16,7 +16,10 @@ std::vector<ToolDefinition> documentTools();
 std::vector<ToolDefinition> timelineTools();
 std::vector<ToolDefinition> calendarTools();
 std::vector<ToolDefinition> spreadsheetTools();
+std::vector<ToolDefinition> sourceTools();
 std::vector<ToolDefinition> planningTools();
+std::vector<ToolDefinition> languageTools();
+std::vector<ToolDefinition> ttrpgTools();
 
 // Each family's registration, in the order the server registers them (the order of
 // "tools/list").
@@ -26,7 +29,10 @@ void registerMcpDocumentTools(McpServer &server, ToolContext &context);
 void registerTimelineTools(McpServer &server, ToolContext &context);
 void registerCalendarTools(McpServer &server, ToolContext &context);
 void registerSpreadsheetTools(McpServer &server, ToolContext &context);
+void registerSourceTools(McpServer &server, ToolContext &context);
 void registerPlanningTools(McpServer &server, ToolContext &context);
+void registerLanguageTools(McpServer &server, ToolContext &context);
+void registerTtrpgTools(McpServer &server, ToolContext &context);
 
 // Every family in its order; what the server and the tests both register.
 void registerAllTools(McpServer &server, ToolContext &context);

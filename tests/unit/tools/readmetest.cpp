@@ -29,6 +29,8 @@ QString toolList()
 {
     QString text;
     for (const fb::app::ToolFamily &family : fb::app::toolFamilies()) {
+        if (family.tools.empty())
+            continue;
         text += u"\n**%1** (%2 tools)\n\n"_s.arg(family.title).arg(family.tools.size());
         for (const fb::app::ToolDefinition &tool : family.tools)
             text += u"- `%1`: %2\n"_s.arg(tool.name, firstSentence(tool.description));

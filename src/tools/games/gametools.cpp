@@ -1,0 +1,10 @@
+#include "tools/registration.h"
+
+namespace fb::app {
+
+std::vector<ToolDefinition> ttrpgTools()
+{
+    return {};
+}
+
+} // namespace fb::app

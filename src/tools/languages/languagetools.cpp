@@ -1,0 +1,10 @@
+#include "tools/registration.h"
+
+namespace fb::app {
+
+std::vector<ToolDefinition> languageTools()
+{
+    return {};
+}
+
+} // namespace fb::app

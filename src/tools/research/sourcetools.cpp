@@ -1,0 +1,10 @@
+#include "tools/registration.h"
+
+namespace fb::app {
+
+std::vector<ToolDefinition> sourceTools()
+{
+    return {};
+}
+
+} // namespace fb::app
