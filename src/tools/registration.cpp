@@ -59,6 +59,11 @@ void registerTtrpgTools(McpServer &server, ToolContext &context)
     registerTools(server, context, ttrpgTools());
 }
 
+void registerExportImportTools(McpServer &server, ToolContext &context)
+{
+    registerTools(server, context, exportImportTools());
+}
+
 // The families come in a fixed order: core, codex, documents, timelines, the calendar,
 // spreadsheets, maps and media, sources, planning, languages, game material, then analysis,
 // exports and imports. A family joins this list at its place.
@@ -74,6 +79,7 @@ void registerAllTools(McpServer &server, ToolContext &context)
     registerPlanningTools(server, context);
     registerLanguageTools(server, context);
     registerTtrpgTools(server, context);
+    registerExportImportTools(server, context);
 }
 
 std::vector<ToolFamily> toolFamilies()
@@ -89,6 +95,7 @@ std::vector<ToolFamily> toolFamilies()
         {u"Planning"_s, planningTools()},
         {u"Constructed languages"_s, languageTools()},
         {u"Game material"_s, ttrpgTools()},
+        {u"Analysis, packs and extraction"_s, exportImportTools()},
     };
 }
 

@@ -20,6 +20,7 @@ std::vector<ToolDefinition> sourceTools();
 std::vector<ToolDefinition> planningTools();
 std::vector<ToolDefinition> languageTools();
 std::vector<ToolDefinition> ttrpgTools();
+std::vector<ToolDefinition> exportImportTools();
 
 // Each family's registration, in the order the server registers them (the order of
 // "tools/list").
@@ -33,6 +34,7 @@ void registerSourceTools(McpServer &server, ToolContext &context);
 void registerPlanningTools(McpServer &server, ToolContext &context);
 void registerLanguageTools(McpServer &server, ToolContext &context);
 void registerTtrpgTools(McpServer &server, ToolContext &context);
+void registerExportImportTools(McpServer &server, ToolContext &context);
 
 // Every family in its order; what the server and the tests both register.
 void registerAllTools(McpServer &server, ToolContext &context);
