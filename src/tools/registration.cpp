@@ -38,6 +38,11 @@ void registerSpreadsheetTools(McpServer &server, ToolContext &context)
     registerTools(server, context, spreadsheetTools());
 }
 
+void registerMapMediaTools(McpServer &server, ToolContext &context)
+{
+    registerTools(server, context, mapMediaTools());
+}
+
 void registerSourceTools(McpServer &server, ToolContext &context)
 {
     registerTools(server, context, sourceTools());
@@ -75,6 +80,7 @@ void registerAllTools(McpServer &server, ToolContext &context)
     registerTimelineTools(server, context);
     registerCalendarTools(server, context);
     registerSpreadsheetTools(server, context);
+    registerMapMediaTools(server, context);
     registerSourceTools(server, context);
     registerPlanningTools(server, context);
     registerLanguageTools(server, context);
@@ -91,6 +97,7 @@ std::vector<ToolFamily> toolFamilies()
         {u"Timelines and eras"_s, timelineTools()},
         {u"Story calendar"_s, calendarTools()},
         {u"Spreadsheets"_s, spreadsheetTools()},
+        {u"Maps, media and charts"_s, mapMediaTools()},
         {u"Research sources"_s, sourceTools()},
         {u"Planning"_s, planningTools()},
         {u"Constructed languages"_s, languageTools()},

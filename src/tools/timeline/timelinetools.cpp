@@ -1,15 +1,16 @@
 #include "tools/registration.h"
 #include "tools/timeline/timelinehandlers.h"
+#include "tools/world/worldfamily.h"
 
 using namespace Qt::StringLiterals;
 
 namespace fb::app {
 
 // Timelines and eras: reading every timeline, creating and changing dated events, and the named
-// bands of story time.
+// bands of story time; then the continuity checks over them.
 std::vector<ToolDefinition> timelineTools()
 {
-    return {
+    std::vector<ToolDefinition> tools{
         {u"get_timeline"_s,
          u"Reads the project's timeline(s): every event with its date(s) in the project "
          "calendar, participants and location by name, plus the named eras. Pass "
@@ -65,6 +66,9 @@ std::vector<ToolDefinition> timelineTools()
           optionalText(u"new_name"_s, u"rename: the era's new name."_s)},
          manageEras},
     };
+    for (ToolDefinition &tool : continuityTools())
+        tools.push_back(std::move(tool));
+    return tools;
 }
 
 } // namespace fb::app

@@ -1,0 +1,10 @@
+#include "tools/world/worldfamily.h"
+
+namespace fb::app {
+
+std::vector<ToolDefinition> continuityTools()
+{
+    return {};
+}
+
+} // namespace fb::app
